@@ -1,0 +1,12 @@
+/*
+ * vexpers/vexpers.h - the umbrella header: includes every public header of
+ * the vexpers persistence library.
+ */
+#ifndef VEXPERS_VEXPERS_H
+#define VEXPERS_VEXPERS_H
+
+#include "vexpers/base.h"
+#include "vexpers/runtime.h"
+#include "vexpers/shared.h"
+
+#endif /* VEXPERS_VEXPERS_H */
