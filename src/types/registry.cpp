@@ -306,9 +306,7 @@ struct Registration {
     kstd_persistentType* bitfieldTypeOut;
 };
 
-bool isRegistered(const uint32_t* flag) {
-    return std::atomic_ref<const uint32_t>(*flag).load(std::memory_order_acquire) == 1;
-}
+bool isRegistered(uint32_t* flag) { return std::atomic_ref<uint32_t>(*flag).load(std::memory_order_acquire) == 1; }
 
 void publishRegistered(uint32_t* flag) { std::atomic_ref<uint32_t>(*flag).store(1, std::memory_order_release); }
 
