@@ -8,5 +8,7 @@
 #include "vexpers/base.h"
 #include "vexpers/runtime.h"
 #include "vexpers/shared.h"
+#include "vexpers/vector.h"
+#include "vexpers/containers.h"
 
 #endif /* VEXPERS_VEXPERS_H */
