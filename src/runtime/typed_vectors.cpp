@@ -5,34 +5,15 @@
 
 #include "frame/frame.hpp"
 #include "frame/lifecycle.hpp"
+#include "vectors/element_table.hpp"
 #include "vexpers/vector.h"
+
+using vexpers::baseOf;
 
 namespace {
 
 template <class E>
 using ConstPtr = const E*;
-
-template <class T>
-kstd_vector__* baseOf(T* vector) {
-    return vector != nullptr ? &vector->base : nullptr;
-}
-template <class T>
-const kstd_vector__* baseOf(const T* vector) {
-    return vector != nullptr ? &vector->base : nullptr;
-}
-
-// Element table of a vector of records E, from E's own operations.
-template <class E, kstd_result (*Construct)(E*), kstd_result (*ConstructCopy)(E*, const E*),
-          kstd_result (*Assign)(E*, const E*), kstd_result (*Destruct)(E*)>
-struct RecordElements {
-    static kstd_result construct(void* e) { return Construct(static_cast<E*>(e)); }
-    static kstd_result constructCopy(void* e, const void* s) {
-        return ConstructCopy(static_cast<E*>(e), static_cast<const E*>(s));
-    }
-    static kstd_result assign(void* e, const void* s) { return Assign(static_cast<E*>(e), static_cast<const E*>(s)); }
-    static kstd_result destruct(void* e) { return Destruct(static_cast<E*>(e)); }
-    static constexpr kstd_vectorElementVtable table{construct, constructCopy, assign, destruct};
-};
 
 // The operations of a typed vector T of elements E; `table` is null for
 // plain-byte elements.
@@ -125,7 +106,7 @@ struct Typed {
     }                                                                                                         \
     VEXPERS_EXPORT kstd_result T##_popBack(T* v) { return kstd_vector__popBack(baseOf(v)); }
 
-#define VEXPERS_SCALAR_VECTOR(T, E)                                                                           \
+#define VEXPERS_TYPED_SCALAR_VECTOR(T, E)                                                                           \
     VEXPERS_TYPED_VECTOR_COMMON(T, E, nullptr)                                                                \
     VEXPERS_EXPORT kstd_result T##_resizeFill(T* v, int64_t count, E element) {                             \
         return kstd_vector__resizeFill(baseOf(v), count, &element);                                           \
@@ -135,9 +116,9 @@ struct Typed {
     }
 
 #define VEXPERS_RECORD_ELEMENTS(E) \
-    (&RecordElements<E, E##_construct, E##_constructCopy, E##_assign, E##_destruct>::table)
+    (&vexpers::ElementTable<E, E##_construct, E##_constructCopy, E##_assign, E##_destruct>::table)
 
-#define VEXPERS_RECORD_VECTOR(T, E)                                                                           \
+#define VEXPERS_TYPED_RECORD_VECTOR(T, E)                                                                           \
     VEXPERS_TYPED_VECTOR_COMMON(T, E, VEXPERS_RECORD_ELEMENTS(E))                                             \
     VEXPERS_EXPORT kstd_result T##_resizeFill(T* v, int64_t count, const E* element) {                       \
         return kstd_vector__resizeFill(baseOf(v), count, element);                                            \
