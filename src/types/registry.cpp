@@ -89,12 +89,6 @@ struct RegistryKey {
     uint32_t derivation;
 };
 
-kstd_result keyConstruct(void* element) {
-    auto* key = static_cast<RegistryKey*>(element);
-    key->derivation = 0;
-    return kstd_stringConst_construct(&key->name);
-}
-
 kstd_result keyConstructCopy(void* element, const void* source) {
     auto* key = static_cast<RegistryKey*>(element);
     const auto* from = static_cast<const RegistryKey*>(source);
@@ -129,12 +123,9 @@ kstd_result keyEqual(const void* first, const void* second, uint32_t* equal) {
     return kstd_stringConst_compareEqual(&a->name, &b->name, equal);
 }
 
-constexpr kstd_hashtableKeyVtable keyOperations{
-    {keyConstruct, keyConstructCopy, keyAssign, keyDestruct}, keyHash, keyEqual};
+constexpr kstd_hashtableElementVtable keyOperations{
+    sizeof(RegistryKey), keyConstructCopy, keyAssign, keyDestruct, keyHash, keyEqual};
 
-kstd_result handleConstruct(void* element) {
-    return kstd_persistentType_construct(static_cast<kstd_persistentType*>(element));
-}
 kstd_result handleConstructCopy(void* element, const void* source) {
     return kstd_persistentType_constructCopy(static_cast<kstd_persistentType*>(element),
                                              static_cast<const kstd_persistentType*>(source));
@@ -147,8 +138,8 @@ kstd_result handleDestruct(void* element) {
     return kstd_persistentType_destruct(static_cast<kstd_persistentType*>(element));
 }
 
-constexpr kstd_vectorElementVtable handleOperations{handleConstruct, handleConstructCopy, handleAssign,
-                                                    handleDestruct};
+constexpr kstd_hashtableElementVtable handleOperations{
+    sizeof(kstd_persistentType), handleConstructCopy, handleAssign, handleDestruct, nullptr, nullptr};
 
 // A key made for one lookup; the name is interned by the caller.
 class LocalKey {
@@ -169,11 +160,10 @@ private:
 // The registered handle of `key`, or null. Caller holds the lock.
 kstd_result findType(const RegistryKey& key, const kstd_persistentType** handle) {
     *handle = nullptr;
-    uint32_t has = 0;
-    VEXPERS_TRY(kstd_hashtable_has(&state.types, &key, &has));
-    if (has == 0) return 0;
     void* value = nullptr;
-    VEXPERS_TRY(kstd_hashtable_getPtr(&state.types, &key, &value));
+    const kstd_result result = kstd_hashtable_getPtr(&state.types, &key, &value);
+    if (result == ksys_result_notFound) return 0;
+    VEXPERS_TRY(result);
     *handle = static_cast<const kstd_persistentType*>(value);
     return 0;
 }

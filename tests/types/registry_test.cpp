@@ -162,18 +162,16 @@ TEST(Registry, AllTypesAreSortedAndUnique) {
 // each; the two shared-pointer types are added to start-up by the built-in
 // object types, and 216 records are expected from then on. Counted in a fresh
 // process, since the other tests here register types.
+bool startsWithTheCoreTypes() {
+    const auto types = allTypes();
+    bool sorted = true;
+    for (size_t i = 1; i < types.size(); ++i) sorted = sorted && types[i - 1] < types[i];
+    return sorted && types.size() == 52 * 4 && types.front() == std::make_pair(std::u16string(u"TCHAR"), 0u);
+}
+
 TEST(RegistryDeathTest, AllTypesRightAfterStartUp) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_EXIT(
-        {
-            const auto types = allTypes();
-            bool sorted = true;
-            for (size_t i = 1; i < types.size(); ++i) sorted = sorted && types[i - 1] < types[i];
-            std::exit(types.size() == 52 * 4 && sorted && types.front() == std::make_pair(std::u16string(u"TCHAR"), 0u)
-                          ? 0
-                          : 1);
-        },
-        testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(std::exit(startsWithTheCoreTypes() ? 0 : 1), testing::ExitedWithCode(0), "");
 }
 
 TEST(Registry, RegisteringTwice) {
@@ -432,31 +430,34 @@ TEST(Registry, CoreRegistrationFunctionsDoNothing) {
 }
 
 // Shut-down frees everything the registry made, the callers' handles
-// included. Checked in a fresh process, which ends with the registry gone.
+// included. Run in a fresh process, which ends with the registry gone.
+bool shutDownFreesEverything() {
+    const int64_t start = liveBlocks();
+    {
+        TypeVector types;
+        kstd_persistentTypeGetAllTypes(&types.v);
+        TypeHandle unknown;
+        kstd_persistentTypeGetType(u"ShutDownUnknown", 2, 0, &unknown.t);
+    }
+    Target& object = newTarget();
+    Target& enumeration = newTarget();
+    Target& bits = newTarget();
+    static const kstd_persistentPropertyInfoDefinition members[1]{{u"member", 0, u"int", 0, {}}};
+    static const kstd_persistentStaticPropertyList list{members, 1};
+    bool ok = kstd_persistentTypeRegisterTypeObject(u"ShutDownObject", &objectTable, &valueAccessTable, &list, 0,
+                                                    &object.flag, &object.handle) == 0;
+    ok = ok && kstd_persistentTypeRegisterTypeEnum(u"ShutDownEnum", 0, 0, 0, 0, &valueAccessTable, &valueAccessTable,
+                                                   nullptr, nullptr, &enumeration.flag, &bits.flag,
+                                                   &enumeration.handle, &bits.handle) == 0;
+    ok = ok && liveBlocks() > start;
+    ok = ok && ksys_shutdown() == 0;
+    ok = ok && recordOf(object.handle) == nullptr && recordOf(bits.handle) == nullptr;
+    return ok && liveBlocks() == start;
+}
+
 TEST(RegistryDeathTest, ShutDownFreesEverything) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_EXIT(
-        {
-            const int64_t start = liveBlocks();
-            {
-                TypeVector types;
-                kstd_persistentTypeGetAllTypes(&types.v);
-                TypeHandle unknown;
-                kstd_persistentTypeGetType(u"ShutDownUnknown", 2, 0, &unknown.t);
-            }
-            Target& object = newTarget();
-            Target& enumeration = newTarget();
-            Target& bits = newTarget();
-            bool ok = registerObject(u"ShutDownObject", object) == 0;
-            ok = ok && kstd_persistentTypeRegisterTypeEnum(u"ShutDownEnum", 0, 0, 0, 0, &valueAccessTable,
-                                                           &valueAccessTable, nullptr, nullptr, &enumeration.flag,
-                                                           &bits.flag, &enumeration.handle, &bits.handle) == 0;
-            ok = ok && liveBlocks() > start;
-            ok = ok && ksys_shutdown() == 0;
-            ok = ok && recordOf(object.handle) == nullptr && recordOf(bits.handle) == nullptr;
-            std::exit(ok && liveBlocks() == start ? 0 : 1);
-        },
-        testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(std::exit(shutDownFreesEverything() ? 0 : 1), testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

@@ -52,6 +52,15 @@ inline std::u16string nameOf(const kstd_persistentType& type) {
     return name != nullptr ? std::u16string(name) : std::u16string(u"(null)");
 }
 
+// Starts the registry, so that a leak check that follows does not count
+// what the registry makes once per process.
+inline void startRegistry() {
+    kstd_persistentType type;
+    kstd_persistentType_construct(&type);
+    kstd_persistentTypeGetType(u"int", 0, 1, &type);
+    kstd_persistentType_destruct(&type);
+}
+
 // A descriptor that constructs and destructs itself.
 struct TypeHandle {
     TypeHandle() { kstd_persistentType_construct(&t); }
