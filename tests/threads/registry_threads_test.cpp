@@ -42,10 +42,12 @@ void run(int thread, std::latch& start, ThreadReport& report) {
         if (result != 0) ++report.failures;
     };
     start.arrive_and_wait();
+    // All threads race for the shared types in the same order first.
+    for (int s = 0; s < sharedTypes; ++s) check(registerObject(numbered(u"ThreadShared", s).c_str(), shared[s]));
     TypeHandle type;
     for (int i = 0; i < ownTypes; ++i) {
         check(registerObject(numbered(u"ThreadOwn", thread, i).c_str(), own[thread][i]));
-        // Every thread registers every shared type, starting at a different one.
+        // And again, each starting at a different one.
         const int s = (i + thread * 2) % sharedTypes;
         const std::u16string sharedName = numbered(u"ThreadShared", s);
         check(registerObject(sharedName.c_str(), shared[s]));

@@ -31,8 +31,13 @@ struct Target {
     kstd_persistentType handle{};
 };
 
-// A new target that is never freed (the registry remembers its handle).
-inline Target& newTarget() { return *new Target(); }
+// A fresh target of static storage (the registry remembers its handle until
+// shut-down). For the test's main thread only.
+inline Target& newTarget() {
+    static Target pool[256];
+    static int used = 0;
+    return pool[used++];
+}
 
 inline kstd_result registerObject(const char16_t* name, Target& target) {
     return kstd_persistentTypeRegisterTypeObject(name, &objectTable, &valueAccessTable, nullptr, 0, &target.flag,
