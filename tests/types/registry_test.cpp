@@ -283,8 +283,6 @@ TEST(Registry, FailedChecksLeaveTheFlagAtZero) {
               kstd_persistentResult_operationMissing);
     EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"", &objectTable, &valueAccessTable, nullptr, 0, flag, out),
               kstd_persistentResult_invalidTypeName);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(nullptr, &objectTable, &valueAccessTable, nullptr, 0, flag, out),
-              kstd_persistentResult_invalidTypeName);
     EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectContainer(u"Checked", &objectTable, &valueAccessTable, nullptr,
                                                              nullptr, u"int", registerItem, 0, flag, out),
               kstd_persistentResult_noObjectVtable);
@@ -417,16 +415,6 @@ TEST(Registry, LookupsSurviveAllocationFailures) {
     TypeVector types;
     sweepAllocationFailures([&] { return kstd_persistentTypeGetAllTypes(&types.v); },
                             [&] { kstd_vector_kstd_persistentType_clearAndFreeMemory(&types.v); });
-}
-
-TEST(Registry, CoreRegistrationFunctionsDoNothing) {
-    const int64_t count = typeCount();
-    EXPECT_EQ(kstd_persistentTypeRegisterType_int(), 0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeCoreType_ushort(), 0);
-    EXPECT_EQ(kstd_persistentTypeRegisterType_kstd_unicodeString(), 0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject_kstd_unicodeString(), 0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeCoreType_string32(), 0);
-    EXPECT_EQ(typeCount(), count);
 }
 
 // Shut-down frees everything the registry made, the callers' handles

@@ -186,9 +186,6 @@ TEST(TypeRecord, LifeCycleAndInterfaceQuery) {
     EXPECT_EQ(answer, record);
     EXPECT_EQ(kstd_shared_queryInterfaceByTypename(&record->header, u"kstd_shared", &answer), 0);
     EXPECT_EQ(answer, &record->header);
-    const char16_t* typeName = nullptr;
-    EXPECT_EQ(kstd_shared_getTypename(&record->header, &typeName), 0);
-    EXPECT_EQ(std::u16string(typeName), u"kstd_persistentType_");
 
     ASSERT_EQ(kstd_stringConst_assignString(&record->name, u"Copied"), 0);
     record->isKnown = 1;
