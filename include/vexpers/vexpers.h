@@ -8,5 +8,6 @@
 #include "vexpers/base.h"
 #include "vexpers/runtime.h"
 #include "vexpers/shared.h"
+#include "vexpers/variant.h"
 
 #endif /* VEXPERS_VEXPERS_H */
