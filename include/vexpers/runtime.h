@@ -70,14 +70,18 @@ typedef struct ksys_cleanupEntry {
     ksys_cleanupFunction function;
 } ksys_cleanupEntry;
 
-/** Gives the tag a function keeps for its clean-up list. */
+/** Gives the tag a function keeps for its clean-up list (a running number). */
 VEXPERS_API int32_t ksys_cleanup_getNextTag(void);
 /**
  * Runs the entries of a clean-up list, last pushed first: kinds 0x31 and
- * 0x32 always, kind 0x22 only when *result is negative. A count outside
- * 0..`capacity`-free range (negative) is a precondition fault. When *result is
- * not negative and a release function fails, its code becomes *result. *count
- * is 0 afterwards. Returns *result.
+ * 0x32 always, kind 0x22 only when *result is negative on entry. When *result
+ * is not negative and a release function fails, the first such code becomes
+ * *result (the 0x22 entries still do not run). *count is 0 afterwards.
+ * Returns *result.
+ * Precondition faults: a null count or result, a negative count, or null
+ * entries with a positive count (nothing runs); an entry of unknown kind or
+ * with a null function (reported and skipped, the other entries still run,
+ * and a non-negative *result becomes ksys_result_preconditionFailed).
  */
 VEXPERS_API kstd_result ksys_cleanupExecute_(ksys_cleanupEntry* entries, int32_t* count,
                                              kstd_result* result, int32_t tag);
@@ -88,16 +92,21 @@ typedef struct ksys_criticalSection {
     void* implementation;
 } ksys_criticalSection;
 
+/** Builds the lock; fails with ksys_result_outOfMemory (section left with a
+ *  null implementation, which destruct accepts). */
 VEXPERS_API kstd_result ksys_criticalSection_construct(ksys_criticalSection* section);
+/** Frees the lock, which must not be held. */
 VEXPERS_API kstd_result ksys_criticalSection_destruct(ksys_criticalSection* section);
-/** Takes the section (again, when this thread already holds it) and sets
- *  *isHeld to 1. */
+/** Takes the section (again, when this thread already holds it; every take
+ *  needs its release) and sets *isHeld to 1 (isHeld may be null). */
 VEXPERS_API kstd_result ksys_criticalSection_wait(ksys_criticalSection* section, uint32_t* isHeld);
 /** Gives back one hold of the section. */
 VEXPERS_API kstd_result ksys_criticalSection_release(ksys_criticalSection* section);
 
 VEXPERS_API void ksys_typeCheck_ksys_criticalSection(ksys_criticalSection* object);
+VEXPERS_API void ksys_typeCheckPtr_ksys_criticalSection(ksys_criticalSection** object);
 VEXPERS_API void ksys_typeCheckFunc_ksys_criticalSection(kstd_result (*function)(ksys_criticalSection*));
+VEXPERS_API void ksys_typeCheckFuncPtr_ksys_criticalSection(kstd_result (*function)(ksys_criticalSection**));
 
 /* ---- Once-only start-up --------------------------------------------------- */
 
@@ -113,9 +122,10 @@ typedef kstd_result (*ksys_onceFunction)(void* argument);
 
 /**
  * Runs `function(argument)` once per flag and process and returns its result
- * to that caller and to every later caller. Concurrent callers wait for the
- * first; a function may start other flags, but re-entering its own flag from
- * the same thread fails with ksys_result_reentrantInitialization.
+ * (failures included: they are not retried) to that caller and to every
+ * later caller. Concurrent callers wait for the first; a function may start
+ * other flags, but re-entering its own flag from the same thread fails with
+ * ksys_result_reentrantInitialization (the flag's own result is unaffected).
  */
 VEXPERS_API kstd_result ksys_initializeOnce(ksys_onceFunction function, void* argument,
                                             ksys_onceFlag* flag);
@@ -125,13 +135,15 @@ VEXPERS_API kstd_result ksys_initializeOnce(ksys_onceFunction function, void* ar
 typedef kstd_result (*ksys_shutdownFunction)(void* argument);
 
 /** Registers a routine to run at shut-down; routines run last registered
- *  first. */
+ *  first. Fails with ksys_result_outOfMemory; registering after shut-down
+ *  is a precondition fault. */
 VEXPERS_API kstd_result ksys_shutdown_register(ksys_shutdownFunction function, void* argument);
 /**
  * Runs every registered routine once, last registered first, and returns
- * the first failure (or 0). Runs at most once per process: automatically at
- * process exit, or earlier when an embedder or leak checker calls it. After
- * it, no other vexpers function may be called.
+ * the first failure (or 0); later calls return the same code and run
+ * nothing. Runs at most once per process: automatically at process exit, or
+ * earlier when an embedder or leak checker calls it. The registrations'
+ * memory is freed by then. After it, no other vexpers function may be called.
  */
 VEXPERS_API kstd_result ksys_shutdown(void);
 
@@ -139,8 +151,10 @@ VEXPERS_API kstd_result ksys_shutdown(void);
 
 /**
  * Formats `value` into `buffer` (512 UTF-16 units, NUL-terminated) with the
- * given printf format, which must be "%.20g". The C locale is used whatever
- * the host set; infinities print as "inf" / "-inf" and NaN as "nan".
+ * given printf format, which must be "%.20g" (any other is a precondition
+ * fault; the buffer then holds the empty text). The C locale is used whatever
+ * the host set; infinities print as "inf" / "-inf" and NaN as "nan", never
+ * with a sign.
  */
 VEXPERS_API kstd_result ksys_clxSprintf_double(char16_t* buffer, const char* format, double value);
 

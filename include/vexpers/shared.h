@@ -44,7 +44,9 @@ struct kstd_shared {
     int32_t reserved;
 };
 
-/** Initialises the header: `whole` is the start of the whole object, count 0. */
+/** Initialises the header: `whole` is the start of the whole object, count 0.
+ *  `custom` and its destroy slot are required; a null increment or decrement
+ *  slot means the default one. */
 VEXPERS_API kstd_result kstd_shared_initCustom(kstd_shared* shared, void* whole, const kstd_sharedCustom* custom);
 /** As initCustom, with an interface query and type name. */
 VEXPERS_API kstd_result kstd_shared_initCustomTyped(kstd_shared* shared, void* whole, const kstd_sharedCustom* custom,
@@ -60,7 +62,8 @@ VEXPERS_API kstd_result kstd_shared_queryInterfaceByTypenameFinal(kstd_shared* s
 VEXPERS_API kstd_result kstd_shared_queryInterfaceByTypename(kstd_shared* shared, const char16_t* name, void** result);
 /** Atomic increment of the reference count. */
 VEXPERS_API kstd_result kstd_shared_increment_default(kstd_shared* shared);
-/** Atomic decrement; runs destroy when the count reaches 0. */
+/** Atomic decrement; runs destroy when the count reaches 0 and returns its
+ *  code. Decrementing a count of 0 is a precondition fault (count kept). */
 VEXPERS_API kstd_result kstd_shared_decrement_default(kstd_shared* shared);
 /** Current reference count (for tests and diagnostics). */
 VEXPERS_API kstd_result kstd_shared_getReferenceCount(const kstd_shared* shared, int32_t* count);
@@ -99,6 +102,10 @@ typedef struct kstd_ptrhConst {
 
 /** Constructs holding `shared` (may be null), adding a reference. */
 VEXPERS_API kstd_result kstd_ptrh_construct(kstd_ptrh* pointer, kstd_shared* shared);
+/** Constructs holding `shared` (may be null) with a base type name (static
+ *  text, may be null). On failure the pointer is constructed empty. */
+VEXPERS_API kstd_result kstd_ptrh_constructBaseTypename(kstd_ptrh* pointer, kstd_shared* shared,
+                                                        const char16_t* baseTypename);
 VEXPERS_API kstd_result kstd_ptrh_constructEmpty(kstd_ptrh* pointer);
 VEXPERS_API kstd_result kstd_ptrh_constructCopy(kstd_ptrh* pointer, const kstd_ptrh* source);
 /** Shares the source's object; the base type name is kept unless empty. */
@@ -111,12 +118,13 @@ VEXPERS_API kstd_result kstd_ptrh_getWholeShared(const kstd_ptrh* pointer, void*
 VEXPERS_API kstd_result kstd_ptrh_getShared(const kstd_ptrh* pointer, kstd_shared** shared);
 /** The type name of the held object, or the base type name when empty. */
 VEXPERS_API kstd_result kstd_ptrh_getTypename(const kstd_ptrh* pointer, const char16_t** name);
-/** Drops the reference. */
+/** Drops the reference; the base type name is kept. */
 VEXPERS_API kstd_result kstd_ptrh_reset(kstd_ptrh* pointer);
 VEXPERS_API kstd_result kstd_ptrh_destruct(kstd_ptrh* pointer);
 
+/* The kstd_ptrhConst functions behave as the kstd_ptrh functions of the same
+ * name, over a constant object. */
 VEXPERS_API kstd_result kstd_ptrhConst_construct(kstd_ptrhConst* pointer, const kstd_shared* shared);
-/** Constructs holding `shared` (may be null) with a base type name. */
 VEXPERS_API kstd_result kstd_ptrhConst_constructBaseTypename(kstd_ptrhConst* pointer, const kstd_shared* shared,
                                                              const char16_t* baseTypename);
 VEXPERS_API kstd_result kstd_ptrhConst_constructEmpty(kstd_ptrhConst* pointer);
@@ -130,9 +138,13 @@ VEXPERS_API kstd_result kstd_ptrhConst_reset(kstd_ptrhConst* pointer);
 VEXPERS_API kstd_result kstd_ptrhConst_destruct(kstd_ptrhConst* pointer);
 
 VEXPERS_API void ksys_typeCheck_kstd_ptrh(kstd_ptrh* object);
+VEXPERS_API void ksys_typeCheckPtr_kstd_ptrh(kstd_ptrh** object);
 VEXPERS_API void ksys_typeCheckFunc_kstd_ptrh(kstd_result (*function)(kstd_ptrh*));
+VEXPERS_API void ksys_typeCheckFuncPtr_kstd_ptrh(kstd_result (*function)(kstd_ptrh**));
 VEXPERS_API void ksys_typeCheck_kstd_ptrhConst(kstd_ptrhConst* object);
+VEXPERS_API void ksys_typeCheckPtr_kstd_ptrhConst(kstd_ptrhConst** object);
 VEXPERS_API void ksys_typeCheckFunc_kstd_ptrhConst(kstd_result (*function)(kstd_ptrhConst*));
+VEXPERS_API void ksys_typeCheckFuncPtr_kstd_ptrhConst(kstd_result (*function)(kstd_ptrhConst**));
 
 VEXPERS_EXTERN_C_END
 

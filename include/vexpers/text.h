@@ -10,7 +10,10 @@
  * string; neither allocates. Conversions from UTF-8 and UTF-32 produce UTF-16
  * with surrogate pairs; invalid input (bad UTF-8, code points beyond U+10FFFF,
  * unpaired surrogates in UTF-32) fails with ksys_result_invalidText and leaves
- * the target unchanged. Clones returned by the getClone functions are
+ * the target unchanged. UTF-16 input is stored as given; converting it to
+ * UTF-8 or UTF-32 fails with ksys_result_invalidText on an unpaired
+ * surrogate. Allocation failure returns ksys_result_outOfMemory with the
+ * target unchanged. Clones returned by the getClone functions are
  * allocated with ksys_memory_alloc_internal and are the caller's to free with
  * ksys_memory_free_internal; the clone of the null string is a null pointer.
  */
@@ -81,7 +84,9 @@ VEXPERS_API kstd_result kstd_unicodeString_compareEqual(const kstd_unicodeString
 /**
  * An immutable UTF-16 string. Copies share the holder; assigning new text
  * makes a new holder. `chars` is null for the null string and points at a
- * static empty text for the empty string (neither has a holder).
+ * static empty text for the empty string (neither has a holder). A holder is
+ * one allocation: a shared object with the text stored after its header.
+ * The record holds no pointer into itself, so it may be moved bytewise.
  */
 struct kstd_unicodeStringConst {
     kstd_ptrhConst holder;
@@ -120,6 +125,8 @@ VEXPERS_API kstd_result kstd_unicodeStringConst_getCloneString16(const kstd_unic
 VEXPERS_API kstd_result kstd_unicodeStringConst_getCloneString32(const kstd_unicodeStringConst* string, char32_t** clone);
 
 /* ---- Platform string functions over UTF-16 ---------------------------------------- */
+/* A null text is a precondition fault: it is reported and read as no text
+ * (length 0, comparison 0, no unit found). */
 
 /** Length in units up to the terminator. */
 VEXPERS_API size_t ksys_wcslen(const char16_t* text);

@@ -8,6 +8,11 @@
 #include "vexpers/base.h"
 #include "vexpers/runtime.h"
 #include "vexpers/shared.h"
+#include "vexpers/text.h"
+#include "vexpers/vector.h"
+#include "vexpers/recordvectors.h"
+#include "vexpers/stringconst.h"
+#include "vexpers/type.h"
 #include "vexpers/variant.h"
 
 #endif /* VEXPERS_VEXPERS_H */

@@ -1,0 +1,262 @@
+#include <atomic>
+#include <chrono>
+#include <clocale>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <locale.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/test_support.hpp"
+
+namespace {
+
+using vexpers::test::AssertRecorder;
+using vexpers::test::LiveBlockCheck;
+
+// ---- Clean-up lists ---------------------------------------------------------
+
+std::string released;
+
+kstd_result releaseNamed(void* object) {
+    released += *static_cast<const char*>(object);
+    return 0;
+}
+
+kstd_result releaseFailing(void* object) {
+    releaseNamed(object);
+    return -7;
+}
+
+kstd_result deleteUnicodeString(void* object) {
+    return kstd_unicodeString_delete(static_cast<kstd_unicodeString**>(object));
+}
+
+TEST(Cleanup, RunsEntriesByKindLastPushedFirst) {
+    EXPECT_NE(ksys_cleanup_getNextTag(), ksys_cleanup_getNextTag());
+    const char a = 'a', b = 'b', c = 'c';
+    auto run = [&](kstd_result result, ksys_cleanupFunction middle) {
+        ksys_cleanupEntry entries[] = {{1, ksys_cleanupKind_undoOnFailure, (void*)&a, releaseNamed},
+                                       {2, ksys_cleanupKind_always, (void*)&b, middle},
+                                       {3, ksys_cleanupKind_undoOnFailure, (void*)&c, releaseNamed}};
+        int32_t count = 3;
+        released.clear();
+        const kstd_result returned = ksys_cleanupExecute_(entries, &count, &result, 0);
+        EXPECT_EQ(count, 0);
+        EXPECT_EQ(returned, result);
+        return result;
+    };
+    EXPECT_EQ(run(5, releaseNamed), 5);  // a positive success is kept
+    EXPECT_EQ(released, "b");
+    EXPECT_EQ(run(-3, releaseNamed), -3);
+    EXPECT_EQ(released, "cba");
+    // A failing release turns success into its code but undoes nothing; it
+    // does not replace an earlier failure.
+    EXPECT_EQ(run(0, releaseFailing), -7);
+    EXPECT_EQ(released, "b");
+    EXPECT_EQ(run(-3, releaseFailing), -3);
+
+    // A heap record held through a local pointer is deleted on every exit.
+    LiveBlockCheck leaks;
+    kstd_unicodeString* record = nullptr;
+    ASSERT_EQ(kstd_unicodeString_new(&record), 0);
+    kstd_unicodeString_assignStringW(record, u"text");
+    ksys_cleanupEntry heap[] = {{1, ksys_cleanupKind_heapRecord, &record, deleteUnicodeString}};
+    int32_t count = 1;
+    kstd_result result = 0;
+    EXPECT_EQ(ksys_cleanupExecute_(heap, &count, &result, 0), 0);
+    EXPECT_EQ(record, nullptr);
+    EXPECT_EQ(leaks.leaked(), 0);
+
+    // Misuse: an unknown kind is reported and skipped, the rest still runs.
+    AssertRecorder faults;
+    ksys_cleanupEntry bad[] = {{1, ksys_cleanupKind_always, (void*)&a, releaseNamed}, {2, 0x77, (void*)&b, releaseNamed}};
+    count = 2;
+    result = 0;
+    released.clear();
+    EXPECT_EQ(ksys_cleanupExecute_(bad, &count, &result, 0), ksys_result_preconditionFailed);
+    EXPECT_EQ(released, "a");
+    count = -1;
+    EXPECT_EQ(ksys_cleanupExecute_(bad, &count, &result, 0), ksys_result_preconditionFailed);
+    EXPECT_EQ(faults.count(), 2);
+}
+
+// ---- Critical section -------------------------------------------------------
+
+TEST(CriticalSection, IsReentrantAndExcludesOtherThreads) {
+    LiveBlockCheck leaks;
+    ksys_criticalSection section;
+    ASSERT_EQ(ksys_criticalSection_construct(&section), 0);
+    uint32_t held = 0;
+    ASSERT_EQ(ksys_criticalSection_wait(&section, &held), 0);
+    EXPECT_EQ(held, 1u);
+    ASSERT_EQ(ksys_criticalSection_wait(&section, &held), 0);  // would deadlock if not re-entrant
+    ksys_criticalSection_release(&section);
+
+    std::atomic<bool> entered{false};
+    std::thread other([&] {
+        uint32_t otherHeld = 0;
+        ksys_criticalSection_wait(&section, &otherHeld);
+        entered = true;
+        ksys_criticalSection_release(&section);
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    EXPECT_FALSE(entered) << "still held once by this thread";
+    ksys_criticalSection_release(&section);
+    other.join();
+    EXPECT_TRUE(entered);
+    EXPECT_EQ(ksys_criticalSection_destruct(&section), 0);
+    EXPECT_EQ(leaks.leaked(), 0);
+
+    vexpers::test::sweepAllocationFailures([&] { return ksys_criticalSection_construct(&section); },
+                                           [&] { ksys_criticalSection_destruct(&section); });
+}
+
+// ---- Once-only start-up -------------------------------------------------------
+
+struct OnceProbe {
+    int calls = 0;
+    kstd_result result = 0;
+    ksys_onceFlag* self = nullptr;
+    ksys_onceFlag* nested = nullptr;
+    kstd_result reentry = 0;
+    kstd_result nestedResult = 0;
+};
+
+kstd_result onceBody(void* argument) {
+    auto* probe = static_cast<OnceProbe*>(argument);
+    ++probe->calls;
+    if (probe->self != nullptr) probe->reentry = ksys_initializeOnce(onceBody, probe, probe->self);
+    if (probe->nested != nullptr) {
+        static OnceProbe inner{0, 42};
+        probe->nestedResult = ksys_initializeOnce(onceBody, &inner, probe->nested);
+    }
+    return probe->result;
+}
+
+TEST(InitializeOnce, KeepsTheResultAndAllowsNestedFlags) {
+    ksys_onceFlag failing = KSYS_ONCE_FLAG_INIT;
+    OnceProbe failure{0, ksys_result_outOfMemory};
+    EXPECT_EQ(ksys_initializeOnce(onceBody, &failure, &failing), ksys_result_outOfMemory);
+    EXPECT_EQ(ksys_initializeOnce(onceBody, &failure, &failing), ksys_result_outOfMemory);
+    EXPECT_EQ(failure.calls, 1);
+
+    ksys_onceFlag outer = KSYS_ONCE_FLAG_INIT, inner = KSYS_ONCE_FLAG_INIT;
+    OnceProbe probe{0, 3};
+    probe.self = &outer;
+    probe.nested = &inner;
+    EXPECT_EQ(ksys_initializeOnce(onceBody, &probe, &outer), 3);
+    EXPECT_EQ(probe.calls, 1);
+    EXPECT_EQ(probe.reentry, ksys_result_reentrantInitialization);
+    EXPECT_EQ(probe.nestedResult, 42);
+    EXPECT_EQ(ksys_initializeOnce(onceBody, &probe, &inner), 42);  // already done: not run again
+}
+
+TEST(InitializeOnce, ConcurrentCallersWaitForTheFirst) {
+    static std::atomic<int> calls{0};
+    static std::atomic<bool> finished{false};
+    ksys_onceFlag flag = KSYS_ONCE_FLAG_INIT;
+    auto slow = [](void*) -> kstd_result {
+        ++calls;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        finished = true;
+        return 9;
+    };
+    std::vector<std::thread> threads;
+    std::atomic<int> wrong{0};
+    for (int i = 0; i < 8; ++i)
+        threads.emplace_back([&] {
+            if (ksys_initializeOnce(slow, nullptr, &flag) != 9 || !finished) ++wrong;
+        });
+    for (auto& t : threads) t.join();
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(wrong, 0);
+}
+
+// ---- Shut-down ------------------------------------------------------------------
+
+std::string shutdownOrder;
+
+kstd_result recordShutdown(void* argument) {
+    shutdownOrder += static_cast<const char*>(argument);
+    return std::string(static_cast<const char*>(argument)) == "2" ? -5 : 0;
+}
+
+kstd_result announceShutdown(void*) {
+    std::fputs("routine ran at exit\n", stderr);
+    return 0;
+}
+
+// Shut-down ends the library's use in the process, so it runs in a child.
+TEST(ShutdownDeathTest, RunsRoutinesOnceLastRegisteredFirst) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            const int64_t start = vexpers::test::liveBlocks();
+            for (const char* name : {"1", "2", "3"}) ksys_shutdown_register(recordShutdown, (void*)name);
+            const kstd_result first = ksys_shutdown();
+            const kstd_result again = ksys_shutdown();
+            const bool ok = first == -5 && again == -5 && shutdownOrder == "321" &&
+                            vexpers::test::liveBlocks() == start;
+            std::_Exit(ok ? 0 : 1);
+        },
+        ::testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(
+        {
+            ksys_shutdown_register(announceShutdown, nullptr);
+            std::exit(0);
+        },
+        ::testing::ExitedWithCode(0), "routine ran at exit");
+}
+
+// ---- Formatting ------------------------------------------------------------------
+
+std::u16string format(double value) {
+    char16_t buffer[512];
+    EXPECT_EQ(ksys_clxSprintf_double(buffer, "%.20g", value), 0);
+    return buffer;
+}
+
+std::u16string widen(const char* text) { return std::u16string(text, text + std::char_traits<char>::length(text)); }
+
+TEST(Format, DoublesInTheCLocale) {
+    EXPECT_EQ(format(0.5), u"0.5");
+    EXPECT_EQ(format(100), u"100");
+    EXPECT_EQ(format(0.1), u"0.10000000000000000555");
+    EXPECT_EQ(format(-0.0), u"-0");
+    EXPECT_EQ(format(1e300), u"1.0000000000000000525e+300");
+    EXPECT_EQ(format(5e-324), u"4.9406564584124654418e-324");
+    EXPECT_EQ(format(1.0 / 0.0), u"inf");
+    EXPECT_EQ(format(-1.0 / 0.0), u"-inf");
+    EXPECT_EQ(format(std::nan("")), u"nan");
+    EXPECT_EQ(format(-std::nan("")), u"nan");
+    // Agrees with printf's %.20g across magnitudes.
+    for (double v : {123456789012345678901.0, 1e-5, 1e-4, 1e20, 1e21, -2.5, 3.14159}) {
+        char expected[64];
+        std::snprintf(expected, sizeof expected, "%.20g", v);
+        EXPECT_EQ(format(v), widen(expected)) << expected;
+    }
+
+    AssertRecorder faults;
+    char16_t buffer[512] = u"x";
+    EXPECT_EQ(ksys_clxSprintf_double(buffer, "%g", 1.0), ksys_result_preconditionFailed);
+    EXPECT_EQ(buffer[0], 0);
+    EXPECT_EQ(faults.count(), 1);
+}
+
+TEST(Format, IgnoresTheThreadsLocale) {
+    locale_t german = newlocale(LC_NUMERIC_MASK, "de_DE.UTF-8", static_cast<locale_t>(0));
+    if (german == static_cast<locale_t>(0)) GTEST_SKIP() << "locale de_DE.UTF-8 is not installed";
+    const locale_t previous = uselocale(german);
+    char host[16];
+    std::snprintf(host, sizeof host, "%g", 0.5);
+    const std::u16string ours = format(0.5);
+    uselocale(previous);
+    freelocale(german);
+    EXPECT_STREQ(host, "0,5") << "the locale did not take effect";
+    EXPECT_EQ(ours, u"0.5");
+}
+
+}  // namespace

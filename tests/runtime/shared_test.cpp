@@ -1,0 +1,178 @@
+#include "support/test_support.hpp"
+
+namespace {
+
+using vexpers::test::AssertRecorder;
+using vexpers::test::LiveBlockCheck;
+
+// A shared object whose header is not at the start of the whole object, so
+// that header and whole object are told apart.
+struct Counted {
+    int32_t payload;
+    kstd_shared header;
+    int* destroyed;
+};
+
+kstd_result destroyCounted(kstd_shared* shared) {
+    void* whole = shared->whole;
+    ++*static_cast<Counted*>(whole)->destroyed;
+    return ksys_memory_free_internal(&whole);
+}
+
+const kstd_sharedCustom countedOperations = {destroyCounted, kstd_shared_increment_default,
+                                             kstd_shared_decrement_default};
+
+kstd_result queryCounted(kstd_shared* shared, const char16_t* name, void** result) {
+    if (ksys_wcscmp(name, u"Counted") == 0) {
+        *result = shared->whole;
+        return 0;
+    }
+    return kstd_shared_queryInterfaceByTypenameFinal(shared, name, result);
+}
+
+kstd_result countedTypename(const kstd_shared*, const char16_t** name) {
+    *name = u"Counted";
+    return 0;
+}
+
+const kstd_sharedTyped countedTyped = {queryCounted, countedTypename};
+
+kstd_shared* newCounted(int* destroyed, bool typed) {
+    void* memory = nullptr;
+    EXPECT_EQ(ksys_memory_alloc_internal(sizeof(Counted), &memory), 0);
+    auto* object = static_cast<Counted*>(memory);
+    object->destroyed = destroyed;
+    if (typed)
+        kstd_shared_initCustomTyped(&object->header, object, &countedOperations, &countedTyped);
+    else
+        kstd_shared_initCustom(&object->header, object, &countedOperations);
+    return &object->header;
+}
+
+int32_t countOf(const kstd_shared* shared) {
+    int32_t count = -1;
+    kstd_shared_getReferenceCount(shared, &count);
+    return count;
+}
+
+TEST(Shared, PointersKeepTheObjectAliveExactlyWhileHeld) {
+    LiveBlockCheck leaks;
+    int destroyedX = 0, destroyedY = 0;
+    kstd_shared* x = newCounted(&destroyedX, false);
+    kstd_shared* y = newCounted(&destroyedY, false);
+    EXPECT_EQ(countOf(x), 0);
+
+    kstd_ptrh a, b, c;
+    ASSERT_EQ(kstd_ptrh_construct(&a, x), 0);
+    ASSERT_EQ(kstd_ptrh_constructCopy(&b, &a), 0);
+    ASSERT_EQ(kstd_ptrh_construct(&c, y), 0);
+    EXPECT_EQ(countOf(x), 2);
+    void* whole = nullptr;
+    kstd_ptrh_getWholeShared(&b, &whole);
+    EXPECT_EQ(whole, x->whole);
+    EXPECT_NE(whole, static_cast<void*>(x));
+
+    // Self-assignment and re-holding the same object change nothing.
+    EXPECT_EQ(kstd_ptrh_assign(&a, &a), 0);
+    EXPECT_EQ(kstd_ptrh_assignShared(&b, x), 0);
+    EXPECT_EQ(countOf(x), 2);
+
+    // c drops the last reference to y while taking x.
+    EXPECT_EQ(kstd_ptrh_assign(&c, &a), 0);
+    EXPECT_EQ(destroyedY, 1);
+    EXPECT_EQ(countOf(x), 3);
+    EXPECT_EQ(kstd_ptrh_reset(&a), 0);
+    kstd_ptrh_getWholeShared(&a, &whole);
+    EXPECT_EQ(whole, nullptr);
+    EXPECT_EQ(kstd_ptrh_destruct(&b), 0);
+    EXPECT_EQ(destroyedX, 0);
+    EXPECT_EQ(kstd_ptrh_destruct(&c), 0);
+    EXPECT_EQ(destroyedX, 1);
+    kstd_ptrh_destruct(&a);
+    EXPECT_EQ(leaks.leaked(), 0);
+
+    // More releases than references are reported and leave the count alone.
+    int destroyedZ = 0;
+    kstd_shared* z = newCounted(&destroyedZ, false);
+    {
+        AssertRecorder faults;
+        EXPECT_EQ(kstd_shared_decrement_default(z), ksys_result_preconditionFailed);
+        EXPECT_EQ(faults.count(), 1);
+    }
+    EXPECT_EQ(countOf(z), 0);
+    kstd_shared_increment_default(z);
+    kstd_shared_decrement_default(z);
+    EXPECT_EQ(destroyedZ, 1);
+    EXPECT_EQ(leaks.leaked(), 0);
+}
+
+TEST(Shared, TypeNamesAndBaseTypeNames) {
+    int destroyed = 0;
+    kstd_shared* typed = newCounted(&destroyed, true);
+    kstd_ptrhConst base, other, empty;
+    kstd_ptrhConst_constructBaseTypename(&base, nullptr, u"Base");
+    kstd_ptrhConst_constructBaseTypename(&other, typed, u"Other");
+    kstd_ptrhConst_constructEmpty(&empty);
+
+    const char16_t* name = nullptr;
+    kstd_ptrhConst_getTypename(&base, &name);
+    EXPECT_EQ(ksys_wcscmp(name, u"Base"), 0);
+    // Assignment keeps the target's base name; the held object names itself.
+    kstd_ptrhConst_assign(&base, &other);
+    EXPECT_EQ(ksys_wcscmp(base.baseTypename, u"Base"), 0);
+    kstd_ptrhConst_getTypename(&base, &name);
+    EXPECT_EQ(ksys_wcscmp(name, u"Counted"), 0);
+    // A target without a base name takes the source's.
+    kstd_ptrhConst_assign(&empty, &other);
+    EXPECT_EQ(ksys_wcscmp(empty.baseTypename, u"Other"), 0);
+    // Reset keeps the base name, which then answers again.
+    kstd_ptrhConst_reset(&base);
+    kstd_ptrhConst_getTypename(&base, &name);
+    EXPECT_EQ(ksys_wcscmp(name, u"Base"), 0);
+
+    for (kstd_ptrhConst* p : {&base, &other, &empty}) kstd_ptrhConst_destruct(p);
+    EXPECT_EQ(destroyed, 1);
+}
+
+kstd_result queryThroughShared(void* object, const char16_t* name, void** result) {
+    return kstd_shared_queryInterfaceByTypename(static_cast<kstd_shared*>(object), name, result);
+}
+
+TEST(Shared, InterfaceQueries) {
+    int destroyed = 0;
+    kstd_shared* typed = newCounted(&destroyed, true);
+    kstd_shared* plain = newCounted(&destroyed, false);
+    const kstd_typeDescriptorMinimalVtable table = {queryThroughShared, nullptr};
+
+    void* result = nullptr;
+    EXPECT_EQ(kstd_typeDescriptorMinimalVtable_queryInterfaceByTypename(&table, typed, u"Counted", &result), 0);
+    EXPECT_EQ(result, typed->whole);
+    EXPECT_EQ(kstd_typeDescriptorMinimalVtable_queryInterfaceByTypename(&table, typed, u"kstd_shared", &result), 0);
+    EXPECT_EQ(result, typed);
+    EXPECT_EQ(kstd_typeDescriptorMinimalVtable_queryInterfaceByTypename(&table, typed, u"Unknown", &result), 0);
+    EXPECT_EQ(result, nullptr);
+    // An untyped object answers only as a shared object.
+    EXPECT_EQ(kstd_shared_queryInterfaceByTypename(plain, u"Counted", &result), 0);
+    EXPECT_EQ(result, nullptr);
+    EXPECT_EQ(kstd_shared_queryInterfaceByTypename(plain, u"kstd_shared", &result), 0);
+    EXPECT_EQ(result, plain);
+    const char16_t* name = u"x";
+    kstd_shared_getTypename(plain, &name);
+    EXPECT_EQ(name, nullptr);
+
+    AssertRecorder faults;
+    const kstd_typeDescriptorMinimalVtable noQuery = {nullptr, nullptr};
+    result = &result;
+    EXPECT_EQ(kstd_typeDescriptorMinimalVtable_queryInterfaceByTypename(&noQuery, typed, u"Counted", &result),
+              ksys_result_preconditionFailed);
+    EXPECT_EQ(result, nullptr);
+    EXPECT_EQ(faults.count(), 1);
+
+    for (kstd_shared* s : {typed, plain}) {
+        kstd_shared_increment_default(s);
+        kstd_shared_decrement_default(s);
+    }
+    EXPECT_EQ(destroyed, 2);
+}
+
+}  // namespace
