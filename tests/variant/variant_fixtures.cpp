@@ -64,3 +64,23 @@ const TestTypes& testTypes() {
 }
 
 }  // namespace vexpers::test
+
+namespace vexpers::test {
+namespace {
+
+// Starts the registry, the variant's core types and the test types before
+// any test counts live blocks or allocations.
+class VariantEnvironment : public ::testing::Environment {
+public:
+    void SetUp() override {
+        testTypes();
+        Variant v;
+        EXPECT_EQ(kstd_persistentVariant_setValue_k_Int32(v.get(), 1), 0);
+    }
+};
+
+[[maybe_unused]] ::testing::Environment* const environment =
+    ::testing::AddGlobalTestEnvironment(new VariantEnvironment);
+
+}  // namespace
+}  // namespace vexpers::test
