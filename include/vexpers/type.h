@@ -413,7 +413,10 @@ VEXPERS_API kstd_result kstd_persistentTypeGetTypeUsingCoreTypeIdAndDerivation(i
 VEXPERS_API kstd_result kstd_persistentTypeGetMatchingCoreType(uint32_t category, uint32_t size, uint32_t derivation,
                                                                kstd_persistentType* type);
 /** 1 when `type` is registered with that category and derivation and (for
- *  categories other than 2 and 5) that element size. */
+ *  categories other than 2 and 5) that element size; 0 for an unregistered
+ *  record. The checks of GetMatchingCoreType come first (0x800040D6), and a
+ *  failure to take the element size is returned (a reserved core type has
+ *  none: 0x800040C0). */
 VEXPERS_API kstd_result kstd_persistentTypeGetIsMatchingCoreType(uint32_t category, uint32_t size,
                                                                  uint32_t derivation, const kstd_persistentType* type,
                                                                  uint32_t* isMatching);
@@ -431,7 +434,12 @@ VEXPERS_API kstd_result kstd_persistentTypeGetAllTypes(kstd_vector_kstd_persiste
  * output), build the property info entries of the static property lists,
  * construct *typeOut (the caller's own global handle, not constructed by the
  * caller) and set the flag to 1. They then register the types of the entries
- * and, for a container, the item type. A failure leaves the flag at 0.
+ * and, for a container, the item type, still holding the registry (a failure
+ * there is returned with the type registered and the flag at 1). Any earlier
+ * failure leaves the flag at 0; records already made stay registered.
+ * The flag is read and set atomically (acquire / release), and *typeOut is
+ * filled in before the flag is set, so a module may test its flag without a
+ * lock. Two threads registering through one flag both succeed.
  */
 VEXPERS_API kstd_result kstd_persistentTypeRegisterTypeObject(const char16_t* name,
                                                               const kstd_persistentObjectVtable* objectVtable,

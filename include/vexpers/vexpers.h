@@ -10,6 +10,7 @@
 #include "vexpers/shared.h"
 #include "vexpers/text.h"
 #include "vexpers/vector.h"
+#include "vexpers/containers.h"
 #include "vexpers/recordvectors.h"
 #include "vexpers/stringconst.h"
 #include "vexpers/type.h"

@@ -125,7 +125,9 @@ TEST(StringConst, AllocationFailuresLeaveTheRecordUnchanged) {
     const int64_t sites = vexpers::test::sweepAllocationFailures(
         [&] {
             const kstd_result result = kstd_stringConst_assignString(&s.value, u"replacement");
-            if (result < 0) EXPECT_EQ(std::u16string(s.chars()), u"keep");
+            if (result < 0) {
+                EXPECT_EQ(std::u16string(s.chars()), u"keep");
+            }
             return result;
         },
         [&] { kstd_stringConst_assignString(&s.value, u"keep"); });

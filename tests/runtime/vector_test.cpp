@@ -1,0 +1,302 @@
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "support/test_support.hpp"
+
+namespace {
+
+using vexpers::test::AssertRecorder;
+using vexpers::test::LiveBlockCheck;
+
+// A record that points into itself, like a constant string's empty state:
+// `chars` must always hold the address of this record's own `empty`.
+struct Probe {
+    const char16_t* chars;
+    char16_t empty;
+    int32_t key;
+    int32_t serial;
+};
+
+constexpr kstd_result copyFailure = VEXPERS_RESULT(0x80001234u);
+int64_t liveProbes = 0;
+int64_t copiesUntilFailure = 0;  // 0: never fail; k: the k-th copy from now fails
+
+kstd_result probeConstruct(void* e) {
+    auto* p = static_cast<Probe*>(e);
+    *p = Probe{nullptr, 0, 0, 0};
+    p->chars = &p->empty;
+    ++liveProbes;
+    return 0;
+}
+kstd_result probeCopy(void* e, const void* s) {
+    if (copiesUntilFailure > 0 && --copiesUntilFailure == 0) return copyFailure;
+    auto* p = static_cast<Probe*>(e);
+    const auto* source = static_cast<const Probe*>(s);
+    EXPECT_EQ(source->chars, &source->empty) << "a source record was moved bytewise";
+    *p = Probe{nullptr, 0, source->key, source->serial};
+    p->chars = &p->empty;
+    ++liveProbes;
+    return 0;
+}
+kstd_result probeAssign(void* e, const void* s) {
+    static_cast<Probe*>(e)->key = static_cast<const Probe*>(s)->key;
+    static_cast<Probe*>(e)->serial = static_cast<const Probe*>(s)->serial;
+    return 0;
+}
+kstd_result probeDestruct(void* e) {
+    EXPECT_EQ(static_cast<Probe*>(e)->chars, &static_cast<Probe*>(e)->empty);
+    --liveProbes;
+    return 0;
+}
+const kstd_vectorElementVtable probeTable{probeConstruct, probeCopy, probeAssign, probeDestruct};
+
+kstd_result byKey(const void* a, const void* b, int32_t* order) {
+    const int32_t x = static_cast<const Probe*>(a)->key, y = static_cast<const Probe*>(b)->key;
+    *order = x < y ? -1 : x > y ? 1 : 0;
+    return 0;
+}
+
+Probe probe(int32_t key, int32_t serial) {
+    Probe p{nullptr, 0, key, serial};
+    p.chars = &p.empty;
+    return p;
+}
+
+// (key, serial) of every element; also checks that each record points into itself.
+std::vector<std::pair<int32_t, int32_t>> contents(const kstd_vector__& v) {
+    std::vector<std::pair<int32_t, int32_t>> out;
+    const auto* p = static_cast<const Probe*>(v.begin);
+    for (int64_t i = 0; i < v.size; ++i) {
+        EXPECT_EQ(p[i].chars, &p[i].empty) << "element " << i;
+        out.emplace_back(p[i].key, p[i].serial);
+    }
+    return out;
+}
+
+kstd_vector__ probes(int32_t count) {
+    kstd_vector__ v;
+    EXPECT_EQ(kstd_vector__constructWithVtable(&v, 0, sizeof(Probe), &probeTable), 0);
+    EXPECT_EQ(kstd_vector__reserve(&v, count), 0);
+    for (int32_t i = 0; i < count; ++i) {
+        const Probe p = probe(count - i, i);
+        EXPECT_EQ(kstd_vector__pushBack(&v, &p), 0);
+    }
+    return v;
+}
+
+TEST(Vector, RecordsThatPointIntoThemselvesSurviveGrowthEditsAndSort) {
+    LiveBlockCheck leaks;
+    {
+        kstd_vector__ v;
+        ASSERT_EQ(kstd_vector__constructWithVtable(&v, 3, sizeof(Probe), &probeTable), 0);
+        EXPECT_EQ(liveProbes, 3);
+        for (int32_t i = 0; i < 500; ++i) {
+            const Probe p = probe(i % 7, i);
+            ASSERT_EQ(kstd_vector__pushBack(&v, &p), 0);
+        }
+        const Probe front = probe(-1, -1);
+        ASSERT_EQ(kstd_vector__insert(&v, 0, &front), 0);
+        ASSERT_EQ(kstd_vector__insert(&v, 250, &front), 0);
+        void* middle = nullptr;
+        ASSERT_EQ(kstd_vector__getElement(&v, 100, &middle), 0);
+        ASSERT_EQ(kstd_vector__eraseElement(&v, middle), 0);
+        ASSERT_EQ(kstd_vector__erase(&v, 0), 0);
+        // An element of the vector itself, copied while the vector grows.
+        ASSERT_EQ(kstd_vector__reserve(&v, v.size), 0);
+        ASSERT_EQ(kstd_vector__pushBack(&v, static_cast<Probe*>(v.begin) + 5), 0);
+        ASSERT_EQ(kstd_vector__resize(&v, 600), 0);
+        ASSERT_EQ(kstd_vector__resize(&v, 550), 0);
+        EXPECT_EQ(liveProbes, 550);
+
+        auto before = contents(v);
+        ASSERT_EQ(kstd_vector__qsort(&v, byKey), 0);
+        auto after = contents(v);
+        std::stable_sort(before.begin(), before.end(), [](auto& a, auto& b) { return a.first < b.first; });
+        EXPECT_EQ(after, before) << "the sort is stable";
+
+        kstd_vector__ copy;
+        ASSERT_EQ(kstd_vector__constructCopy(&copy, &v), 0);
+        uint32_t equal = 0;
+        auto sameKey = [](const void* a, const void* b, uint32_t* eq) -> kstd_result {
+            *eq = static_cast<const Probe*>(a)->key == static_cast<const Probe*>(b)->key;
+            return 0;
+        };
+        EXPECT_EQ(kstd_vector__compareEqual(&v, &copy, &equal, sameKey), 0);
+        EXPECT_EQ(equal, 1u);
+        ASSERT_EQ(kstd_vector__append(&copy, &copy), 0);
+        EXPECT_EQ(contents(copy).size(), 1100u);
+        EXPECT_EQ(kstd_vector__compareEqual(&v, &copy, &equal, sameKey), 0);
+        EXPECT_EQ(equal, 0u);
+        EXPECT_EQ(kstd_vector__destruct(&copy), 0);
+        EXPECT_EQ(kstd_vector__destruct(&v), 0);
+    }
+    EXPECT_EQ(liveProbes, 0);
+    EXPECT_EQ(leaks.leaked(), 0);
+}
+
+// Each operation under a copy that fails on the k-th call, for every k until
+// it succeeds: the failure code comes back, the vector is unchanged and no
+// record or block is left behind.
+TEST(Vector, AFailingElementCopyLeavesTheVectorUnchanged) {
+    const Probe extra = probe(99, 99);
+    const std::vector<std::pair<const char*, std::function<kstd_result(kstd_vector__*)>>> operations{
+        {"pushBack with growth", [&](kstd_vector__* v) { return kstd_vector__pushBack(v, &extra); }},
+        {"insert", [&](kstd_vector__* v) { return kstd_vector__insert(v, 3, &extra); }},
+        {"erase", [&](kstd_vector__* v) { return kstd_vector__erase(v, 2); }},
+        {"resizeFill", [&](kstd_vector__* v) { return kstd_vector__resizeFill(v, 30, &extra); }},
+        {"qsort", [&](kstd_vector__* v) { return kstd_vector__qsort(v, byKey); }},
+        {"append", [&](kstd_vector__* v) { return kstd_vector__append(v, v); }},
+        {"assignElements", [&](kstd_vector__* v) {
+             return kstd_vector__assignElements(v, static_cast<Probe*>(v->begin) + 2, static_cast<Probe*>(v->begin) + 6);
+         }},
+        {"assign", [&](kstd_vector__* v) {
+             const int64_t k = copiesUntilFailure;  // build the source without failures
+             copiesUntilFailure = 0;
+             kstd_vector__ other = probes(3);
+             copiesUntilFailure = k;
+             const kstd_result result = kstd_vector__assign(v, &other);
+             kstd_vector__destruct(&other);
+             return result;
+         }},
+    };
+    for (const auto& [name, operation] : operations) {
+        LiveBlockCheck leaks;
+        kstd_result result = copyFailure;
+        for (int64_t k = 1; result == copyFailure; ++k) {
+            kstd_vector__ v = probes(8);
+            const auto before = contents(v);
+            const void* storage = v.begin;
+            const int64_t records = liveProbes;
+            copiesUntilFailure = k;
+            result = operation(&v);
+            copiesUntilFailure = 0;
+            if (result == copyFailure) {
+                EXPECT_EQ(contents(v), before) << name << ", copy " << k;
+                EXPECT_EQ(v.begin, storage) << name;
+                EXPECT_EQ(liveProbes, records) << name << ", copy " << k;
+            } else {
+                EXPECT_EQ(result, 0) << name;
+            }
+            kstd_vector__destruct(&v);
+        }
+        EXPECT_EQ(liveProbes, 0) << name;
+        EXPECT_EQ(leaks.leaked(), 0) << name;
+    }
+}
+
+TEST(Vector, AllocationFailuresLeaveTheVectorUnchanged) {
+    kstd_vector__ v = probes(8);
+    const auto original = contents(v);
+    const std::vector<std::function<kstd_result()>> operations{
+        [&] { const Probe p = probe(1, 1); return kstd_vector__pushBack(&v, &p); },
+        [&] { const Probe p = probe(1, 1); return kstd_vector__insert(&v, 0, &p); },
+        [&] { return kstd_vector__erase(&v, 4); },
+        [&] { return kstd_vector__qsort(&v, byKey); },
+        [&] { return kstd_vector__resize(&v, 100); },
+        [&] {
+            kstd_vector__ copy;
+            kstd_result result = kstd_vector__constructCopy(&copy, &v);
+            if (result >= 0) result = kstd_vector__assign(&v, &copy);
+            kstd_vector__destruct(&copy);
+            return result;
+        },
+    };
+    for (const auto& operation : operations) {
+        vexpers::test::sweepAllocationFailures(
+            [&] {
+                const kstd_result result = operation();
+                if (result < 0) {
+                    EXPECT_EQ(contents(v), original);
+                }
+                return result;
+            },
+            [&] {
+                kstd_vector__destruct(&v);
+                v = probes(8);
+            });
+    }
+    kstd_vector__destruct(&v);
+    EXPECT_EQ(liveProbes, 0);
+}
+
+// A memory table that counts its blocks.
+int64_t tableBlocks = 0;
+kstd_result tableAllocate(size_t size, void** p) {
+    const kstd_result result = ksys_memory_alloc_internal(size, p);
+    if (result >= 0 && *p) ++tableBlocks;
+    return result;
+}
+kstd_result tableFree(void** p) {
+    if (*p) --tableBlocks;
+    return ksys_memory_free_internal(p);
+}
+
+TEST(Vector, PlainBytesIndexesAndMemoryTable) {
+    LiveBlockCheck leaks;
+    const kstd_memoryTable mtable{tableAllocate, tableFree};
+    kstd_vector__ v;
+    ASSERT_EQ(kstd_vector__constructWithVtableWithMtable(&v, 4, sizeof(int32_t), nullptr, &mtable), 0);
+    EXPECT_EQ(tableBlocks, 1);
+    auto values = [&] {
+        const auto* p = static_cast<const int32_t*>(v.begin);
+        return std::vector<int32_t>(p, p + v.size);
+    };
+    EXPECT_EQ(values(), (std::vector<int32_t>{0, 0, 0, 0}));
+    for (int32_t i = 1; i <= 4; ++i) static_cast<int32_t*>(v.begin)[i - 1] = i;
+    // Insert an element of the vector itself in the middle (the bytes move).
+    ASSERT_EQ(kstd_vector__reserve(&v, 10), 0);
+    ASSERT_EQ(kstd_vector__insert(&v, 1, static_cast<int32_t*>(v.begin) + 3), 0);
+    EXPECT_EQ(values(), (std::vector<int32_t>{1, 4, 2, 3, 4}));
+    void* end = static_cast<int32_t*>(v.begin) + v.size;
+    const int32_t seven = 7;
+    ASSERT_EQ(kstd_vector__insertElement(&v, end, &seven), 0);
+    ASSERT_EQ(kstd_vector__eraseElement(&v, static_cast<int32_t*>(v.begin) + 2), 0);
+    EXPECT_EQ(values(), (std::vector<int32_t>{1, 4, 3, 4, 7}));
+    // Overlapping range of the vector itself.
+    ASSERT_EQ(kstd_vector__assignElements(&v, static_cast<int32_t*>(v.begin) + 1, static_cast<int32_t*>(v.begin) + 4), 0);
+    EXPECT_EQ(values(), (std::vector<int32_t>{4, 3, 4}));
+    ASSERT_EQ(kstd_vector__resizeFill(&v, 40, &seven), 0);
+    EXPECT_EQ(static_cast<int32_t*>(v.begin)[39], 7);
+
+    void* element = reinterpret_cast<void*>(1);
+    EXPECT_EQ(kstd_vector__getElement(&v, 40, &element), ksys_result_notFound);
+    EXPECT_EQ(element, nullptr);
+    EXPECT_EQ(kstd_vector__insert(&v, 41, &seven), ksys_result_notFound);
+    EXPECT_EQ(kstd_vector__eraseElement(&v, static_cast<char*>(v.begin) + 1), ksys_result_notFound);
+    EXPECT_EQ(kstd_vector__resize(&v, -1), ksys_result_invalidSize);
+    EXPECT_EQ(kstd_vector__resize(&v, int64_t(1) << 62), ksys_result_outOfMemory);
+    const char odd[3] = {};
+    EXPECT_EQ(kstd_vector__assignElements(&v, odd, odd + 3), ksys_result_invalidSize);
+    EXPECT_EQ(v.size, 40);
+
+    kstd_vector__ other;
+    ASSERT_EQ(kstd_vector__constructFromBlockWithVtable(&other, v.begin, 40, sizeof(int32_t), nullptr), 0);
+    uint32_t equal = 0;
+    EXPECT_EQ(kstd_vector__compareEqual(&v, &other, &equal, nullptr), 0);
+    EXPECT_EQ(equal, 1u);
+    ASSERT_EQ(kstd_vector__popBack(&other), 0);
+    EXPECT_EQ(kstd_vector__compareEqual(&v, &other, &equal, nullptr), 0);
+    EXPECT_EQ(equal, 0u);
+    ASSERT_EQ(kstd_vector__swap(&v, &other), 0);
+    EXPECT_EQ(other.size, 40);
+    EXPECT_EQ(other.mtable, &mtable);
+    ASSERT_EQ(kstd_vector__clear(&v), 0);
+    EXPECT_EQ(kstd_vector__popBack(&v), ksys_result_notFound);
+    kstd_vector__destruct(&v);
+    kstd_vector__destruct(&other);
+    EXPECT_EQ(tableBlocks, 0);
+    EXPECT_EQ(leaks.leaked(), 0);
+
+    AssertRecorder faults;
+    EXPECT_EQ(kstd_vector__pushBack(nullptr, &seven), ksys_result_preconditionFailed);
+    EXPECT_EQ(kstd_vector__qsort(&v, nullptr), ksys_result_preconditionFailed);
+    const kstd_vectorElementVtable partial{probeConstruct, nullptr, probeAssign, probeDestruct};
+    EXPECT_EQ(kstd_vector__constructWithVtable(&v, 1, sizeof(Probe), &partial), ksys_result_preconditionFailed);
+    EXPECT_EQ(v.begin, nullptr) << "a failed constructor leaves an empty vector";
+    EXPECT_EQ(faults.count(), 3);
+}
+
+}  // namespace
