@@ -2,7 +2,6 @@
 // and floating categories, the setters under a caller-chosen type, and the
 // text form of a held value.
 #include <cfloat>
-#include <charconv>
 #include <cmath>
 #include <limits>
 
@@ -187,11 +186,25 @@ struct TextBuffer {
         for (; first != last && n < capacity - 1; ++first) units[n++] = static_cast<unsigned char>(*first);
         units[n] = 0;
     }
-    template <class Integer>
-    void decimal(Integer value) {
-        char digits[24];
-        const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-        widen(digits, end);
+    // Decimal digits, a minus sign for negative values. Written by hand:
+    // std::to_chars would export a table of the standard library from the
+    // shared library.
+    void decimal(int64_t value) {
+        const bool negative = value < 0;
+        // The magnitude as unsigned, which also holds that of the smallest value.
+        const uint64_t magnitude = negative ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
+        digits(magnitude, negative);
+    }
+    void decimal(uint64_t value) { digits(value, false); }
+    void digits(uint64_t magnitude, bool negative) {
+        char text[24];
+        char* first = text + sizeof text;
+        do {
+            *--first = static_cast<char>('0' + magnitude % 10);
+            magnitude /= 10;
+        } while (magnitude != 0);
+        if (negative) *--first = '-';
+        widen(first, text + sizeof text);
     }
     void pointer(const void* value) {
         // 16 upper-case hexadecimal digits, zero-padded, no prefix.
