@@ -99,7 +99,7 @@ struct kstd_persistentVariant {
  * name fails with 0x800040C6 and changes nothing; an unregistered name gives
  * an unregistered type, which most reads then refuse with 0x800040C8).
  * _resetCoreTypeId holds a core type (a negative id fails with 0x800040C5 and
- * changes nothing; an id above 51 clears the value and fails with 0x800040C5).
+ * changes nothing; an id above 51 empties the variant and fails with 0x800040C5).
  * _getType shares the held type into `type`.
  * _getTypeCategory, _getTypeDerivation, _getTypeCategoryAndDerivation answer
  * for the held type as the kstd_persistentType functions of the same names do
