@@ -2,10 +2,9 @@
 // type list: each forwards to the typed set or get of its row.
 #include "variant/core_accessors.hpp"
 
-#include <array>
+#include "types/core_type_table.hpp"
 
-namespace vexpers {
-namespace {
+namespace vexpers::core {
 
 #define VEXPERS_CORE_TYPE(id, stem, name, category, ctype)                                           \
     kstd_result write_##stem(kstd_persistentVariant* variant, const void* value) {                  \
@@ -44,37 +43,18 @@ kstd_result write_string16(kstd_persistentVariant* variant, const void* value) {
 kstd_result write_string32(kstd_persistentVariant* variant, const void* value) {
     return kstd_persistentVariant_setValueString32(variant, static_cast<const char32_t*>(value));
 }
-constexpr CoreVariantReader read_stringA = nullptr;
-constexpr CoreVariantReader read_stringW = nullptr;
-constexpr CoreVariantReader read_stringT = nullptr;
-constexpr CoreVariantReader read_string16 = nullptr;
-constexpr CoreVariantReader read_string32 = nullptr;
+}  // namespace vexpers::core
 
-struct Row {
-    CoreVariantWriter writer = nullptr;
-    CoreVariantReader reader = nullptr;
-};
-
-constexpr std::array<Row, kstd_persistentCoreTypeId_count> rows = [] {
-    std::array<Row, kstd_persistentCoreTypeId_count> table{};
-#define VEXPERS_CORE_TYPE(id, stem, name, category, ctype) table[id] = {write_##stem, read_##stem};
-#define VEXPERS_CORE_TYPE_RESERVED(id, stem, name, category)
-#define VEXPERS_CORE_TYPE_STRING(id, stem, name, ctype) table[id] = {write_##stem, read_##stem};
-#include "generated/core_types.def"
-#undef VEXPERS_CORE_TYPE
-#undef VEXPERS_CORE_TYPE_RESERVED
-#undef VEXPERS_CORE_TYPE_STRING
-    return table;
-}();
-
-}  // namespace
+namespace vexpers {
 
 CoreVariantWriter coreVariantWriter(int32_t id) {
-    return id >= 0 && id < kstd_persistentCoreTypeId_count ? rows[id].writer : nullptr;
+    const auto* row = types::coreTypeRow(id);
+    return row != nullptr ? row->writer : nullptr;
 }
 
 CoreVariantReader coreVariantReader(int32_t id) {
-    return id >= 0 && id < kstd_persistentCoreTypeId_count ? rows[id].reader : nullptr;
+    const auto* row = types::coreTypeRow(id);
+    return row != nullptr ? row->reader : nullptr;
 }
 
 }  // namespace vexpers

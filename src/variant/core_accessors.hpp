@@ -16,8 +16,30 @@ namespace vexpers {
 using CoreVariantWriter = kstd_result (*)(kstd_persistentVariant* variant, const void* value);
 using CoreVariantReader = kstd_result (*)(const kstd_persistentVariant* variant, void* out);
 
-// The writer / reader of core type `id`; null outside 0..51 and for rows
-// without one.
+// The writer and reader of each row, named by the row's stem; the core type
+// table holds them.
+namespace core {
+#define VEXPERS_CORE_TYPE(id, stem, name, category, ctype)                    \
+    kstd_result write_##stem(kstd_persistentVariant* variant, const void* value); \
+    kstd_result read_##stem(const kstd_persistentVariant* variant, void* out);
+#define VEXPERS_CORE_TYPE_RESERVED(id, stem, name, category)
+#define VEXPERS_CORE_TYPE_STRING(id, stem, name, ctype) \
+    kstd_result write_##stem(kstd_persistentVariant* variant, const void* value);
+#include "generated/core_types.def"
+#undef VEXPERS_CORE_TYPE
+#undef VEXPERS_CORE_TYPE_RESERVED
+#undef VEXPERS_CORE_TYPE_STRING
+kstd_result read_kstd_unicodeString(const kstd_persistentVariant* variant, void* out);
+// The string pointers are written from the text they point at and have no reader.
+inline constexpr CoreVariantReader read_stringA = nullptr;
+inline constexpr CoreVariantReader read_stringW = nullptr;
+inline constexpr CoreVariantReader read_stringT = nullptr;
+inline constexpr CoreVariantReader read_string16 = nullptr;
+inline constexpr CoreVariantReader read_string32 = nullptr;
+}  // namespace core
+
+// The writer / reader of core type `id` from the core type table; null
+// outside 0..51 and for rows without one.
 CoreVariantWriter coreVariantWriter(int32_t id);
 CoreVariantReader coreVariantReader(int32_t id);
 
