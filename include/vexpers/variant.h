@@ -53,6 +53,7 @@
 #include "vexpers/stringconst.h"
 #include "vexpers/text.h"
 #include "vexpers/type.h"
+#include "vexpers/vector.h"
 
 VEXPERS_EXTERN_C_BEGIN
 
@@ -343,6 +344,141 @@ VEXPERS_API kstd_result kstd_persistentVariant_getValueCloneString32(const kstd_
  */
 VEXPERS_API kstd_result kstd_persistentVariant_getValueAsString(const kstd_persistentVariant* variant,
                                                                 kstd_stringConst* text);
+
+/* ---- Objects and arrays the variant owns or describes ---------------------------- */
+
+/*
+ * _resetNewObject holds `type` (resetType), creates a new object of it
+ * (kstd_persistentType_newObject) in `value` and, when the type answers the
+ * interface query for "kstd_shared", keeps the object alive through
+ * `sharedObject`: the last copy of the variant to let go destroys it. An
+ * object without a shared interface is owned by no variant; the caller deletes
+ * it through the type. On failure the object is deleted again and the variant
+ * holds the type with no value. Codes of newObject pass through.
+ *
+ * _setValueUsingTypeArrayAndAlloc allocates `count` constructed elements of the
+ * array type `type` (derivation 2 or 5, registered) in a shared array holder:
+ * `value` is the first element, `arrayCount` the count, and the array lives as
+ * long as any variant (or copy of one) holds it; the elements are destroyed
+ * through the type when the last one lets go. `first` and `elementSize` are
+ * optional outputs (null and 0 first). A negative count fails with 0x800040D7
+ * before the type is looked at; another type with 0x800040D6 (the variant is
+ * unchanged); a failure of the allocation leaves the variant holding the type
+ * with no value.
+ *
+ * _getShared gives the held object's shared interface, or null when the
+ * variant holds no object or its type has no interface query. The held type
+ * must be of category 7 or derivation 1 (0x800040D6) and registered
+ * (0x800040C8). *shared is null first.
+ *
+ * _getObjectData fills a storing `bag` with the persistent properties of the
+ * held object through its type (kstd_persistentType_transferObjectPersistentProperties):
+ * a bag that is not storing fails with 0x800040CE; the bag is emptied first; a
+ * held value of a core type leaves it empty; an array fails with 0x800040CA, a
+ * null object with 0x800040CC. An enumeration's own value is the object.
+ *
+ * _getContainer describes an array value (registered type of derivation 2 or
+ * 5, else 0x800040D6). With a container table (an array in a container):
+ * `container` is the container object, `table` its table, and the table's
+ * getBegin, getSize and getLayout give `first`, `count`, `containerValue`
+ * (isContiguous) and `elementSize` in that order (0x800040C1 when one of the
+ * three is missing). Without one: `container` null, `containerValue` 0,
+ * `first` the first element, `count` the element count (0x800040DC beyond 32
+ * bits) and `elementSize` the type's. `elementType` is the item type: the same
+ * name with derivation 0 (array) or 4 (bit-field array). Every output is
+ * cleared first.
+ */
+VEXPERS_API kstd_result kstd_persistentVariant_resetNewObject(kstd_persistentVariant* variant,
+                                                              const kstd_persistentType* type);
+VEXPERS_API kstd_result kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(kstd_persistentVariant* variant,
+                                                                              const kstd_persistentType* type,
+                                                                              int32_t count, void** first,
+                                                                              uint32_t* elementSize);
+VEXPERS_API kstd_result kstd_persistentVariant_getShared(const kstd_persistentVariant* variant, kstd_shared** shared);
+VEXPERS_API kstd_result kstd_persistentVariant_getObjectData(const kstd_persistentVariant* variant,
+                                                             kstd_persistentPropertyBag* bag);
+VEXPERS_API kstd_result kstd_persistentVariant_getContainer(const kstd_persistentVariant* variant, void** container,
+                                                            uint32_t* containerValue, uint32_t* elementSize,
+                                                            void** first, intptr_t* count,
+                                                            const kstd_persistentContainerVtable** table,
+                                                            kstd_persistentType* elementType);
+
+/*
+ * The built-in object types, three functions each (the first three slots of
+ * the type's value access table):
+ * _setValue_T borrows the caller's object: the variant holds T's registered
+ * type (registering T on first use) and points at `value`.
+ * _getValue_T copies the held object into `value` with T's assignment: the
+ * held type must be an object type (0x800040CD) equal to T (0x800040CD) with
+ * an object (0x800040CC).
+ * _getValuePtrConst_T gives the held object's address (null first); the held
+ * category must be 7 (0x800040CD), the held type is not compared with T.
+ */
+
+VEXPERS_API kstd_result kstd_persistentVariant_setValue_kstd_ptrh(kstd_persistentVariant* variant, const kstd_ptrh* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValue_kstd_ptrh(const kstd_persistentVariant* variant, kstd_ptrh* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValuePtrConst_kstd_ptrh(const kstd_persistentVariant* variant,
+                                                                     const kstd_ptrh** value);
+VEXPERS_API kstd_result kstd_persistentVariant_setValue_kstd_ptrhConst(kstd_persistentVariant* variant, const kstd_ptrhConst* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValue_kstd_ptrhConst(const kstd_persistentVariant* variant, kstd_ptrhConst* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValuePtrConst_kstd_ptrhConst(const kstd_persistentVariant* variant,
+                                                                     const kstd_ptrhConst** value);
+VEXPERS_API kstd_result kstd_persistentVariant_setValue_kstd_vector8s(kstd_persistentVariant* variant, const kstd_vector8s* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValue_kstd_vector8s(const kstd_persistentVariant* variant, kstd_vector8s* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValuePtrConst_kstd_vector8s(const kstd_persistentVariant* variant,
+                                                                     const kstd_vector8s** value);
+VEXPERS_API kstd_result kstd_persistentVariant_setValue_kstd_vector8(kstd_persistentVariant* variant, const kstd_vector8* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValue_kstd_vector8(const kstd_persistentVariant* variant, kstd_vector8* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValuePtrConst_kstd_vector8(const kstd_persistentVariant* variant,
+                                                                     const kstd_vector8** value);
+VEXPERS_API kstd_result kstd_persistentVariant_setValue_kstd_vector16s(kstd_persistentVariant* variant, const kstd_vector16s* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValue_kstd_vector16s(const kstd_persistentVariant* variant, kstd_vector16s* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValuePtrConst_kstd_vector16s(const kstd_persistentVariant* variant,
+                                                                     const kstd_vector16s** value);
+VEXPERS_API kstd_result kstd_persistentVariant_setValue_kstd_vector16(kstd_persistentVariant* variant, const kstd_vector16* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValue_kstd_vector16(const kstd_persistentVariant* variant, kstd_vector16* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValuePtrConst_kstd_vector16(const kstd_persistentVariant* variant,
+                                                                     const kstd_vector16** value);
+VEXPERS_API kstd_result kstd_persistentVariant_setValue_kstd_vector32s(kstd_persistentVariant* variant, const kstd_vector32s* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValue_kstd_vector32s(const kstd_persistentVariant* variant, kstd_vector32s* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValuePtrConst_kstd_vector32s(const kstd_persistentVariant* variant,
+                                                                     const kstd_vector32s** value);
+VEXPERS_API kstd_result kstd_persistentVariant_setValue_kstd_vector32(kstd_persistentVariant* variant, const kstd_vector32* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValue_kstd_vector32(const kstd_persistentVariant* variant, kstd_vector32* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValuePtrConst_kstd_vector32(const kstd_persistentVariant* variant,
+                                                                     const kstd_vector32** value);
+VEXPERS_API kstd_result kstd_persistentVariant_setValue_kstd_vector64s(kstd_persistentVariant* variant, const kstd_vector64s* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValue_kstd_vector64s(const kstd_persistentVariant* variant, kstd_vector64s* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValuePtrConst_kstd_vector64s(const kstd_persistentVariant* variant,
+                                                                     const kstd_vector64s** value);
+VEXPERS_API kstd_result kstd_persistentVariant_setValue_kstd_vector64(kstd_persistentVariant* variant, const kstd_vector64* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValue_kstd_vector64(const kstd_persistentVariant* variant, kstd_vector64* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValuePtrConst_kstd_vector64(const kstd_persistentVariant* variant,
+                                                                     const kstd_vector64** value);
+VEXPERS_API kstd_result kstd_persistentVariant_setValue_kstd_vectorIntPtrs(kstd_persistentVariant* variant, const kstd_vectorIntPtrs* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValue_kstd_vectorIntPtrs(const kstd_persistentVariant* variant, kstd_vectorIntPtrs* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValuePtrConst_kstd_vectorIntPtrs(const kstd_persistentVariant* variant,
+                                                                     const kstd_vectorIntPtrs** value);
+VEXPERS_API kstd_result kstd_persistentVariant_setValue_kstd_vectorIntPtr(kstd_persistentVariant* variant, const kstd_vectorIntPtr* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValue_kstd_vectorIntPtr(const kstd_persistentVariant* variant, kstd_vectorIntPtr* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValuePtrConst_kstd_vectorIntPtr(const kstd_persistentVariant* variant,
+                                                                     const kstd_vectorIntPtr** value);
+VEXPERS_API kstd_result kstd_persistentVariant_setValue_kstd_vectorf(kstd_persistentVariant* variant, const kstd_vectorf* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValue_kstd_vectorf(const kstd_persistentVariant* variant, kstd_vectorf* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValuePtrConst_kstd_vectorf(const kstd_persistentVariant* variant,
+                                                                     const kstd_vectorf** value);
+VEXPERS_API kstd_result kstd_persistentVariant_setValue_kstd_vectord(kstd_persistentVariant* variant, const kstd_vectord* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValue_kstd_vectord(const kstd_persistentVariant* variant, kstd_vectord* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValuePtrConst_kstd_vectord(const kstd_persistentVariant* variant,
+                                                                     const kstd_vectord** value);
+VEXPERS_API kstd_result kstd_persistentVariant_setValue_kstd_vectorb(kstd_persistentVariant* variant, const kstd_vectorb* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValue_kstd_vectorb(const kstd_persistentVariant* variant, kstd_vectorb* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValuePtrConst_kstd_vectorb(const kstd_persistentVariant* variant,
+                                                                     const kstd_vectorb** value);
+VEXPERS_API kstd_result kstd_persistentVariant_setValue_kstd_vector_kstd_unicodeString(kstd_persistentVariant* variant, const kstd_vector_kstd_unicodeString* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValue_kstd_vector_kstd_unicodeString(const kstd_persistentVariant* variant, kstd_vector_kstd_unicodeString* value);
+VEXPERS_API kstd_result kstd_persistentVariant_getValuePtrConst_kstd_vector_kstd_unicodeString(const kstd_persistentVariant* variant,
+                                                                     const kstd_vector_kstd_unicodeString** value);
 
 VEXPERS_EXTERN_C_END
 

@@ -237,11 +237,13 @@ kstd_result runCoreStage(void*) {
     return 0;
 }
 
-// The shared-pointer types. Their registrations come with the shared-pointer
-// object types (kstd_persistentTypeRegisterType_kstd_ptrh, then
-// kstd_persistentTypeRegisterType_kstd_ptrhConst); until then the registry
-// holds the core types alone after start-up.
-kstd_result runSharedPointerStage(void*) { return 0; }
+// The shared-pointer types, registered through their own registration
+// functions. Their names are start-up names: registerType waits only for the
+// core stage for them, so this stage does not wait on its own once flag.
+kstd_result runSharedPointerStage(void*) {
+    VEXPERS_TRY(kstd_persistentTypeRegisterType_kstd_ptrh());
+    return kstd_persistentTypeRegisterType_kstd_ptrhConst();
+}
 
 kstd_result initializeRegistry(void*) {
     initializing.store(true, std::memory_order_relaxed);
