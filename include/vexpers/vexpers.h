@@ -14,5 +14,6 @@
 #include "vexpers/recordvectors.h"
 #include "vexpers/stringconst.h"
 #include "vexpers/type.h"
+#include "vexpers/propertyinfo.h"
 
 #endif /* VEXPERS_VEXPERS_H */
