@@ -2,6 +2,8 @@
 #include "types/builtin_types.hpp"
 
 #include "frame/frame.hpp"
+#include "property/info_entries.hpp"
+#include "types/registry.hpp"
 
 namespace vexpers::types {
 
@@ -10,8 +12,27 @@ kstd_result propertyFromEntries(const kstd_persistentType*, const void*, const c
     return kstd_persistentResult_operationMissing;
 }
 
-kstd_result infoSetFromEntries(const kstd_persistentType*, kstd_persistentPropertyInfoSet*) {
-    return kstd_persistentResult_operationMissing;
+kstd_result infoSetFromEntries(const kstd_persistentType* type, kstd_persistentPropertyInfoSet* set) {
+    VEXPERS_REQUIRE(set != nullptr);
+    VEXPERS_TRY(kstd_persistentPropertyInfoSet_reset(set));
+    std::span<property::PropertyInfoEntry> entries;
+    VEXPERS_TRY(property::entriesOfType(type, &entries));
+    VEXPERS_TRY(kstd_vector_kstd_persistentPropertyInfo_reserve(&set->infos, static_cast<int64_t>(entries.size())));
+    for (property::PropertyInfoEntry& entry : entries) {
+        // An entry whose type is not registered (the shared pointers' "void")
+        // still describes its property; its type may only be read under the
+        // registry lock, where late resolution would replace it.
+        const kstd_result resolved = property::resolveEntry(&entry);
+        if (failed(resolved) && resolved != kstd_persistentResult_typeNotRegistered) return resolved;
+        if (property::entryIsResolved(entry)) {
+            VEXPERS_TRY(kstd_vector_kstd_persistentPropertyInfo_pushBack(&set->infos, &entry.info));
+            continue;
+        }
+        RegistryLock lock;
+        VEXPERS_TRY(lock.take());
+        VEXPERS_TRY(kstd_vector_kstd_persistentPropertyInfo_pushBack(&set->infos, &entry.info));
+    }
+    return 0;
 }
 
 }  // namespace vexpers::types

@@ -244,6 +244,9 @@ void startModule() {
     kstd_persistentTypeGetType_kstd_vector32s(&type.t, 1);
     kstd_persistentTypeGetType_kstd_vectord(&type.t, 1);
     kstd_persistentTypeGetType_kstd_vector8(&type.t, 1);
+    // The variant looks up the core types once.
+    VariantBox variant;
+    kstd_persistentVariant_setValue_int(&variant.v, 0);
 }
 
 }  // namespace vexpers::test
