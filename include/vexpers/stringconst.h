@@ -96,6 +96,9 @@ typedef struct kstd_stringConstTable {
     kstd_vector_vector_kstd_stringConst bins;
     /** Parallel to bins: the id of each string. */
     kstd_vector_vectorIntPtrs binIds;
+    /** Parallel to bins: the hash of each string, compared before the texts
+     *  so that a bin scan touches no characters of other texts. */
+    kstd_vector_vectorIntPtrs binHashes;
     /** By id: 1 when the id holds a string. */
     kstd_vector8 used;
     /** By id: the stored string (the null string at a free id). */

@@ -14,6 +14,7 @@
 #include "vexpers/recordvectors.h"
 #include "vexpers/stringconst.h"
 #include "vexpers/type.h"
+#include "vexpers/variant.h"
 #include "vexpers/propertyinfo.h"
 
 #endif /* VEXPERS_VEXPERS_H */

@@ -14,16 +14,15 @@ namespace {
 
 int64_t numBins(const kstd_stringConstTable& table) { return sizeOf(table.bins); }
 
-int64_t binOf(const kstd_stringConstTable& table, const char16_t* text) {
-    const uint32_t hash = vexpers::hashText(text);
+int64_t binOf(const kstd_stringConstTable& table, uint32_t hash) {
     return table.binMask != 0 ? hash & table.binMask : hash % static_cast<uint32_t>(numBins(table));
 }
 
 // Stores a new entry for `text` (or `source`) in bin `bin` under the wanted
 // id, or the next id when `wantedId` is negative. A failure part-way restores
 // the table as it was, so a failed add leaves no half-made entry behind.
-kstd_result insertNew(kstd_stringConstTable* table, int64_t bin, const char16_t* text, const kstd_stringConst* source,
-                      int32_t wantedId, kstd_stringConst* string, int32_t* id) {
+kstd_result insertNew(kstd_stringConstTable* table, int64_t bin, uint32_t hash, const char16_t* text,
+                      const kstd_stringConst* source, int32_t wantedId, kstd_stringConst* string, int32_t* id) {
     const int64_t size = sizeOf(table->used);
     VEXPERS_REQUIRE(size == int64_t(table->maxId) + 1);
     if (wantedId >= 0 && wantedId < size && elementsOf<uint8_t>(table->used)[wantedId] == 1) return ksys_result_failure;
@@ -33,12 +32,15 @@ kstd_result insertNew(kstd_stringConstTable* table, int64_t bin, const char16_t*
 
     kstd_vector_kstd_stringConst* binStrings = nullptr;
     kstd_vectorIntPtrs* ids = nullptr;
+    kstd_vectorIntPtrs* hashes = nullptr;
     VEXPERS_TRY(kstd_vector_vector_kstd_stringConst_getElement(&table->bins, bin, &binStrings));
     VEXPERS_TRY(kstd_vector_vectorIntPtrs_getElement(&table->binIds, bin, &ids));
+    VEXPERS_TRY(kstd_vector_vectorIntPtrs_getElement(&table->binHashes, bin, &hashes));
     const int64_t binSize = sizeOf(*binStrings);
     auto undo = vexpers::makeGuard([&] {
         kstd_vector_kstd_stringConst_resize(binStrings, binSize);
         kstd_vectorIntPtrs_resize(ids, binSize);
+        kstd_vectorIntPtrs_resize(hashes, binSize);
         if (newId < size) {
             elementsOf<uint8_t>(table->used)[newId] = 0;
             kstd_stringConst_reset(&elementsOf<kstd_stringConst>(table->strings)[newId]);
@@ -57,6 +59,7 @@ kstd_result insertNew(kstd_stringConstTable* table, int64_t bin, const char16_t*
     VEXPERS_TRY(source != nullptr ? kstd_stringConst_assign(stored, source) : kstd_stringConst_assignString(stored, text));
     VEXPERS_TRY(kstd_vector_kstd_stringConst_pushBack(binStrings, stored));
     VEXPERS_TRY(kstd_vectorIntPtrs_pushBack(ids, newId));
+    VEXPERS_TRY(kstd_vectorIntPtrs_pushBack(hashes, hash));
     undo.dismiss();
     if (string != nullptr) VEXPERS_TRY(kstd_stringConst_assign(string, stored));
     if (id != nullptr) *id = newId;
@@ -72,9 +75,12 @@ kstd_result findOrAdd(kstd_stringConstTable* table, const char16_t* text, const 
     if (added != nullptr) *added = 0;
     if (source != nullptr) text = source->chars;
     VEXPERS_REQUIRE(numBins(*table) >= 1);
-    const int64_t bin = binOf(*table, text);
+    const uint32_t hash = vexpers::hashText(text);
+    const int64_t bin = binOf(*table, hash);
     const auto strings = elementsOf<kstd_stringConst>(elementsOf<kstd_vector_kstd_stringConst>(table->bins)[bin]);
+    const auto hashes = elementsOf<intptr_t>(elementsOf<kstd_vectorIntPtrs>(table->binHashes)[bin]);
     for (size_t position = 0; position < strings.size(); ++position) {
+        if (static_cast<uint32_t>(hashes[position]) != hash) continue;
         uint32_t equal = 0;
         VEXPERS_TRY(kstd_stringConst_compareEqualString(&strings[position], text, &equal));
         if (equal) {
@@ -85,7 +91,7 @@ kstd_result findOrAdd(kstd_stringConstTable* table, const char16_t* text, const 
         }
     }
     if (!add) return 0;
-    VEXPERS_TRY(insertNew(table, bin, text, source, wantedId, string, id));
+    VEXPERS_TRY(insertNew(table, bin, hash, text, source, wantedId, string, id));
     if (added != nullptr) *added = 1;
     return 0;
 }
@@ -98,11 +104,14 @@ VEXPERS_EXPORT kstd_result kstd_stringConstTable_construct(kstd_stringConstTable
     auto undoBins = vexpers::makeGuard([&] { kstd_vector_vector_kstd_stringConst_destruct(&table->bins); });
     VEXPERS_TRY(kstd_vector_vectorIntPtrs_constructEmpty(&table->binIds));
     auto undoIds = vexpers::makeGuard([&] { kstd_vector_vectorIntPtrs_destruct(&table->binIds); });
+    VEXPERS_TRY(kstd_vector_vectorIntPtrs_constructEmpty(&table->binHashes));
+    auto undoHashes = vexpers::makeGuard([&] { kstd_vector_vectorIntPtrs_destruct(&table->binHashes); });
     VEXPERS_TRY(kstd_vector8_constructEmpty(&table->used));
     auto undoUsed = vexpers::makeGuard([&] { kstd_vector8_destruct(&table->used); });
     VEXPERS_TRY(kstd_vector_kstd_stringConst_constructEmpty(&table->strings));
     undoBins.dismiss();
     undoIds.dismiss();
+    undoHashes.dismiss();
     undoUsed.dismiss();
     table->maxId = -1;
     table->binMask = 0;
@@ -118,6 +127,7 @@ VEXPERS_EXPORT kstd_result kstd_stringConstTable_assign(kstd_stringConstTable* t
     table->binMask = 0;
     VEXPERS_TRY(kstd_vector_vector_kstd_stringConst_assign(&table->bins, &source->bins));
     VEXPERS_TRY(kstd_vector_vectorIntPtrs_assign(&table->binIds, &source->binIds));
+    VEXPERS_TRY(kstd_vector_vectorIntPtrs_assign(&table->binHashes, &source->binHashes));
     VEXPERS_TRY(kstd_vector8_assign(&table->used, &source->used));
     VEXPERS_TRY(kstd_vector_kstd_stringConst_assign(&table->strings, &source->strings));
     table->binMask = source->binMask;
@@ -129,6 +139,7 @@ VEXPERS_EXPORT kstd_result kstd_stringConstTable_destruct(kstd_stringConstTable*
     VEXPERS_REQUIRE(table != nullptr);
     VEXPERS_TRY(kstd_vector_vector_kstd_stringConst_destruct(&table->bins));
     VEXPERS_TRY(kstd_vector_vectorIntPtrs_destruct(&table->binIds));
+    VEXPERS_TRY(kstd_vector_vectorIntPtrs_destruct(&table->binHashes));
     VEXPERS_TRY(kstd_vector8_destruct(&table->used));
     return kstd_vector_kstd_stringConst_destruct(&table->strings);
 }
@@ -142,6 +153,7 @@ VEXPERS_EXPORT kstd_result kstd_stringConstTable_reset(kstd_stringConstTable* ta
     table->binMask = 0;
     VEXPERS_TRY(kstd_vector_vector_kstd_stringConst_clear(&table->bins));
     VEXPERS_TRY(kstd_vector_vectorIntPtrs_clear(&table->binIds));
+    VEXPERS_TRY(kstd_vector_vectorIntPtrs_clear(&table->binHashes));
     VEXPERS_TRY(kstd_vector8_clear(&table->used));
     return kstd_vector_kstd_stringConst_clear(&table->strings);
 }
@@ -152,6 +164,7 @@ VEXPERS_EXPORT kstd_result kstd_stringConstTable_resetNumBins(kstd_stringConstTa
     VEXPERS_TRY(kstd_stringConstTable_reset(table));
     VEXPERS_TRY(kstd_vector_vector_kstd_stringConst_resize(&table->bins, numBins));
     VEXPERS_TRY(kstd_vector_vectorIntPtrs_resize(&table->binIds, numBins));
+    VEXPERS_TRY(kstd_vector_vectorIntPtrs_resize(&table->binHashes, numBins));
     int64_t power = 1;
     for (int k = 0; k < 31 && power < numBins; ++k) power *= 2;
     table->binMask = power == numBins ? static_cast<uint32_t>(numBins - 1) : 0;

@@ -4,6 +4,7 @@
 #include "vexpers/text.h"
 
 #include "frame/frame.hpp"
+#include "variant/core_accessors.hpp"
 
 namespace vexpers::types {
 namespace {
@@ -53,12 +54,11 @@ constexpr const kstd_persistentObjectVtable* tableOf<String>() {
 
 }  // namespace
 
-// Writers and readers are the variant's typed setters and getters; they are
-// filled in where the variant defines them.
-#define VEXPERS_CORE_TYPE(id, stem, name, category, ctype) {id, category, name, tableOf<ctype>(), nullptr, nullptr},
+// Writers and readers are the variant's typed setters and getters of the row.
+#define VEXPERS_CORE_TYPE(id, stem, name, category, ctype) {id, category, name, tableOf<ctype>(), core::write_##stem, core::read_##stem},
 #define VEXPERS_CORE_TYPE_RESERVED(id, stem, name, category) {id, category, name, nullptr, nullptr, nullptr},
 #define VEXPERS_CORE_TYPE_STRING(id, stem, name, ctype) \
-    {id, kstd_persistentTypeCategory_string, name, tableOf<ctype>(), nullptr, nullptr},
+    {id, kstd_persistentTypeCategory_string, name, tableOf<ctype>(), core::write_##stem, core::read_##stem},
 
 const CoreTypeRow coreTypeTable[coreTypeCount] = {
 #include "generated/core_types.def"

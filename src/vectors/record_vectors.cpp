@@ -7,6 +7,7 @@
 #include "vexpers/recordvectors.h"
 #include "vexpers/stringconst.h"
 #include "vexpers/type.h"
+#include "vexpers/variant.h"
 
 #include "frame/lifecycle.hpp"
 #include "vectors/element_table.hpp"
