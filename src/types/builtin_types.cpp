@@ -14,6 +14,7 @@
 
 #include "frame/lifecycle.hpp"
 #include "types/builtin_types.hpp"
+#include "types/registry.hpp"
 
 namespace vexpers::types {
 namespace {
@@ -186,6 +187,13 @@ kstd_result registerBuiltin(const char16_t* name, const kstd_persistentObjectVta
                             const kstd_persistentStaticPropertyList* properties, uint32_t& flag,
                             kstd_persistentType& handle) {
     if (isRegistered(flag)) return 0;
+    // Outside the registry's start-up, start it first: the shared pointers
+    // are registered there, and a registration must not start the registry
+    // half-way through (its own look-ups would register the type again).
+    if (!registryInitializing()) {
+        VEXPERS_TRY(ensureRegistryInitialized());
+        if (isRegistered(flag)) return 0;
+    }
     return kstd_persistentTypeRegisterTypeObject(name, objects, access, properties, 0, &flag, &handle);
 }
 

@@ -77,6 +77,24 @@ TEST(BuiltinTypesDeathTest, VectorRegistersOnFirstUse) {
     EXPECT_EXIT(std::exit(vectorRegistersOnFirstUse() ? 0 : 1), testing::ExitedWithCode(0), "");
 }
 
+// In a fresh process: asking for a shared-pointer type first starts the
+// registry, which registers it once; shut-down frees everything.
+bool sharedPointerFirst() {
+    const int64_t start = liveBlocks();
+    {
+        Handle type;
+        bool ok = kstd_persistentTypeGetType_kstd_ptrhConst(&type.t, 1) == 0 && typeName(type.t) == u"kstd_ptrhConst";
+        ok = ok && typeCount() == 216;
+        if (!ok) return false;
+    }
+    return ksys_shutdown() == 0 && liveBlocks() == start;
+}
+
+TEST(BuiltinTypesDeathTest, SharedPointerFirst) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(std::exit(sharedPointerFirst() ? 0 : 1), testing::ExitedWithCode(0), "");
+}
+
 TEST(BuiltinTypes, EveryMemberIsAnObjectTypeWithOneProperty) {
     for (const Builtin& builtin : builtins()) {
         SCOPED_TRACE(std::string(builtin.name, builtin.name + std::char_traits<char16_t>::length(builtin.name)));
