@@ -1,6 +1,9 @@
 #include "objects/test_module.hpp"
 
 #include <cstring>
+#include <initializer_list>
+#include <iterator>
+#include <utility>
 
 namespace vexpers::test {
 namespace {
@@ -190,6 +193,129 @@ constexpr kstd_persistentContainerVtable boxTable{boxResize, boxSize, boxBegin, 
 
 kstd_result registerNothing() { return 0; }
 
+// ---- Declared properties -------------------------------------------------------------
+// Each member is read through a different accessor word. Where an entry has
+// several words, the one that storing must prefer gives the true value and
+// the others would give a wrong one.
+
+const Widget& widgetOf(const void* object) { return *static_cast<const Widget*>(object); }
+
+kstd_result numberAddress(const void* object, const void** member) {
+    *member = &widgetOf(object).number;
+    return 0;
+}
+kstd_result innerCountAddress(const void* object, const void** member) {  // never preferred
+    *member = &widgetOf(object).inner.count;
+    return 0;
+}
+kstd_result ratioAddress(const void* object, const void** member) {
+    *member = &widgetOf(object).ratio;
+    return 0;
+}
+kstd_result wrongRatio(const void*, kstd_persistentVariant* value) {
+    return kstd_persistentVariant_setValue_double(value, -1.0);
+}
+kstd_result doubledNumber(const void* object, kstd_persistentVariant* value) {
+    return kstd_persistentVariant_setValue_k_Int32(value, widgetOf(object).number * 2);
+}
+kstd_result nullLink(const void*, kstd_persistentVariant* value) {
+    kstd_persistentType link;
+    kstd_persistentType_construct(&link);
+    kstd_result result = kstd_persistentType_assignDifferentDerivation(&link, moduleTypes().inner, 1);
+    if (result >= 0) result = kstd_persistentVariant_setValueUsingType(value, &link, nullptr);
+    kstd_persistentType_destruct(&link);
+    return result;
+}
+
+kstd_result vectorResize(void* container, int64_t count) {
+    return kstd_vector32s_resize(static_cast<kstd_vector32s*>(container), count);
+}
+kstd_result vectorSize(const void* container, intptr_t* count) {
+    return kstd_vector32s_getSizeIntPtr(static_cast<const kstd_vector32s*>(container), count);
+}
+kstd_result vectorBegin(void* container, void** first) {
+    int32_t* begin = nullptr;
+    const kstd_result result = kstd_vector32s_getBegin(static_cast<kstd_vector32s*>(container), &begin);
+    *first = begin;
+    return result;
+}
+constexpr kstd_persistentContainerVtable vectorTable{vectorResize, vectorSize, vectorBegin, int32Layout, int32Next,
+                                                     nullptr};
+
+kstd_result locateValues(void* object, void** first, void** second) {
+    *first = &static_cast<Widget*>(object)->values;
+    *second = const_cast<kstd_persistentContainerVtable*>(&vectorTable);
+    return 0;
+}
+kstd_result wrongEnum(const void*, int64_t* value) {
+    *value = -1;
+    return 0;
+}
+kstd_result colorValue(const void* object, int64_t* value) {
+    *value = widgetOf(object).color;
+    return 0;
+}
+kstd_result wrongBits32(const void*, uint32_t* value) {
+    *value = 0xDEAD;
+    return 0;
+}
+kstd_result flags32Value(const void* object, uint32_t* value) {
+    *value = widgetOf(object).flags32;
+    return 0;
+}
+kstd_result flags64Value(const void* object, uint64_t* value) {
+    *value = widgetOf(object).flags64;
+    return 0;
+}
+kstd_result innerAddress(const void* object, const void** member) {
+    *member = &widgetOf(object).inner;
+    return 0;
+}
+kstd_result loadDirectly(void*, const kstd_persistentType*, const kstd_persistentPropertyNode*) {
+    return kstd_persistentResult_notSupported;
+}
+kstd_result loadMember(void*, void*, void*, const kstd_persistentType*, const kstd_persistentPropertyNode*) {
+    return kstd_persistentResult_notSupported;
+}
+kstd_result registerColor();
+
+kstd_persistentPropertyAccessors accessors(std::initializer_list<std::pair<int, const void*>> words) {
+    kstd_persistentPropertyAccessors result{};
+    for (const auto& [index, word] : words) result.words[index] = word;
+    return result;
+}
+
+template <class F>
+const void* word(F function) {
+    return reinterpret_cast<const void*>(function);
+}
+
+const kstd_persistentPropertyInfoDefinition widgetDefinitions[]{
+    {u"number", 2, u"k_Int32", 0, accessors({{4, word(numberAddress)}, {3, word(innerCountAddress)}})},
+    {u"ratio", 2, u"double", 0, accessors({{3, word(ratioAddress)}, {5, word(wrongRatio)}})},
+    {u"doubled", 2, u"k_Int32", 0, accessors({{5, word(doubledNumber)}, {7, word(locateValues)}})},
+    {u"values", 2, u"k_Int32", 2,
+     accessors({{7, word(locateValues)}, {0, word(wrongEnum)}, {9, word(loadMember)}})},
+    {u"color", 2, u"TestColor", 0,
+     accessors({{0, word(colorValue)}, {1, word(wrongBits32)}, {10, word(registerColor)}})},
+    {u"flags32", 2, u"TestColor", 4, accessors({{1, word(flags32Value)}, {2, word(wrongEnum)}})},
+    {u"flags64", 2, u"TestColor", 4, accessors({{2, word(flags64Value)}})},
+    {u"inner", 2, u"TestInner", 0, accessors({{4, word(innerAddress)}, {8, word(loadDirectly)}})},
+    {u"link", 2, u"TestInner", 1, accessors({{5, word(nullLink)}})},
+    // Words 11 and 12 are kept and never called: no property.
+    {u"nothing", 2, u"k_Int32", 0, accessors({{11, &calls}, {12, &calls}})},
+};
+const kstd_persistentStaticPropertyList widgetProperties{widgetDefinitions, std::size(widgetDefinitions)};
+
+kstd_result innerCount(const void* object, const void** member) {
+    *member = &static_cast<const Inner*>(object)->count;
+    return 0;
+}
+const kstd_persistentPropertyInfoDefinition innerDefinitions[]{
+    {u"count", 2, u"k_Int32", 0, accessors({{4, word(innerCount)}})},
+};
+const kstd_persistentStaticPropertyList innerProperties{innerDefinitions, std::size(innerDefinitions)};
+
 // ---- Registration -----------------------------------------------------------------
 
 struct Registered {
@@ -208,10 +334,10 @@ kstd_result registerColor() {
 
 ModuleTypes registerModule() {
     EXPECT_EQ(registerColor(), 0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"TestInner", &plainObjects<Inner>, &emptyAccess, nullptr, 0,
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"TestInner", &plainObjects<Inner>, &emptyAccess, &innerProperties, 0,
                                                     &registered.innerFlag, &registered.inner),
               0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"TestWidget", &widgetObjects, &widgetAccess, nullptr,
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"TestWidget", &widgetObjects, &widgetAccess, &widgetProperties,
                                                            &widgetMinimal, 0, &registered.widgetFlag,
                                                            &registered.widget),
               0);
