@@ -358,6 +358,8 @@ ModuleTypes registerModule() {
 
 WidgetCalls& widgetCalls() { return calls; }
 
+const kstd_persistentContainerVtable* boxOperations() { return &boxTable; }
+
 const ModuleTypes& moduleTypes() {
     static const ModuleTypes types = registerModule();
     return types;

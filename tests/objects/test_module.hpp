@@ -64,6 +64,9 @@ struct ModuleTypes {
 };
 const ModuleTypes& moduleTypes();
 
+// The container table of TestBox.
+const kstd_persistentContainerVtable* boxOperations();
+
 // Starts the registry and registers the module, so that a leak check that
 // follows counts only what a test makes.
 void startModule();
