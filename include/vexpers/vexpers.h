@@ -15,5 +15,6 @@
 #include "vexpers/stringconst.h"
 #include "vexpers/type.h"
 #include "vexpers/variant.h"
+#include "vexpers/propertyinfo.h"
 
 #endif /* VEXPERS_VEXPERS_H */

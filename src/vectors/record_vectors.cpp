@@ -3,6 +3,7 @@
 // to the generic vector with the element size and the element table.
 #include <utility>
 
+#include "vexpers/propertyinfo.h"
 #include "vexpers/recordvectors.h"
 #include "vexpers/stringconst.h"
 #include "vexpers/type.h"
@@ -168,3 +169,18 @@ using vexpers::untyped;
     VEXPERS_DEFINE_TYPECHECK_HOOKS(V)
 
 #include "generated/record_vectors.def"
+
+// The one family with a comparison: info sets compared pairwise in order.
+namespace {
+kstd_result compareInfoSets(const void* first, const void* second, uint32_t* equal) {
+    return kstd_persistentPropertyInfoSet_compareEqual(static_cast<const kstd_persistentPropertyInfoSet*>(first),
+                                                       static_cast<const kstd_persistentPropertyInfoSet*>(second),
+                                                       equal);
+}
+}  // namespace
+
+VEXPERS_EXPORT kstd_result kstd_vector_kstd_persistentPropertyInfoSet_compareEqual(
+    const kstd_vector_kstd_persistentPropertyInfoSet* first, const kstd_vector_kstd_persistentPropertyInfoSet* second,
+    uint32_t* equal) {
+    return kstd_vector__compareEqual(baseOf(first), baseOf(second), equal, compareInfoSets);
+}
