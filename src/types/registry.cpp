@@ -72,8 +72,6 @@ struct RegistryState {
     PointerArray<kstd_persistentPropertyInfoEntryVector*> entryVectors;
     // The callers' handles that registrations filled in, in order.
     PointerArray<kstd_persistentType*> outputHandles;
-    // By globalIndex: the static property list of the record's form, or null.
-    PointerArray<const kstd_persistentStaticPropertyList*> staticLists;
 };
 
 RegistryState state;
@@ -269,7 +267,6 @@ kstd_result shutDownRegistry(void*) {
     for (int64_t i = state.outputHandles.count - 1; i >= 0; --i)
         result = keepFirstFailure(result, kstd_persistentType_destruct(state.outputHandles.items[i]));
     freeArray(state.outputHandles);
-    freeArray(state.staticLists);
     result = keepFirstFailure(result, ksys_criticalSection_release(&state.lock));
     return keepFirstFailure(result, ksys_criticalSection_destruct(&state.lock));
 }
@@ -337,16 +334,6 @@ kstd_result checkTables(const Registration& r) {
     if (r.minimalVtable != nullptr &&
         (r.minimalVtable->queryInterfaceByTypename == nullptr || r.minimalVtable->getTypename == nullptr))
         return kstd_persistentResult_operationMissing;
-    return 0;
-}
-
-// Keeps `list` for the record with globalIndex `serial`.
-kstd_result keepStaticList(int32_t serial, const kstd_persistentStaticPropertyList* list) {
-    PointerArray<const kstd_persistentStaticPropertyList*>& lists = state.staticLists;
-    if (list == nullptr && serial >= lists.count) return 0;
-    VEXPERS_TRY(reserveMore(lists, serial + 1 - lists.count));
-    while (lists.count <= serial) lists.items[lists.count++] = nullptr;
-    lists.items[serial] = list;
     return 0;
 }
 
@@ -418,9 +405,6 @@ kstd_result registerType(const Registration& r) {
                                                                  : kstd_persistentTypeDerivation_indirect;
     for (uint32_t derivation = kstd_persistentTypeDerivation_value; derivation <= lastDerivation; ++derivation) {
         const bool bitfieldForm = derivation >= kstd_persistentTypeDerivation_bitfield;
-        const kstd_persistentStaticPropertyList* list =
-            bitfieldForm ? r.bitfieldStaticProperties : r.staticProperties;
-        VEXPERS_TRY(keepStaticList(state.registrationSerial, list));
         VEXPERS_TRY(addRecord(name, derivation, &made, [&](Record* record) -> kstd_result {
             record->coreTypeId = kstd_persistentCoreTypeId_registered;
             record->category = r.category;
@@ -449,14 +433,8 @@ kstd_result registerType(const Registration& r) {
     if (r.bitfieldRegisteredFlag != nullptr && r.bitfieldTypeOut != nullptr) publishRegistered(r.bitfieldRegisteredFlag);
 
     // The types the declared properties refer to, and a container's item
-    // type, register now, while the lock is still held. The entries carry
-    // the definitions' words in the same order, so the definitions serve.
-    if (const kstd_persistentStaticPropertyList* list = r.staticProperties; list != nullptr) {
-        VEXPERS_REQUIRE(list->count == 0 || list->definitions != nullptr);
-        for (uint32_t i = 0; i < list->count; ++i)
-            if (auto registerEntryType = list->definitions[i].accessors.slots.entryTypeRegistration)
-                VEXPERS_TRY(registerEntryType());
-    }
+    // type, register now, while the lock is still held.
+    VEXPERS_TRY(registerPropertyInfoEntryTypes(entries));
     if (r.containerVtable != nullptr) VEXPERS_TRY(r.registerContainedItemType());
     return 0;
 }
@@ -536,18 +514,6 @@ kstd_result RegistryLock::take() {
     uint32_t held = 0;
     VEXPERS_TRY(ksys_criticalSection_wait(&state.lock, &held));
     held_ = held != 0;
-    return 0;
-}
-
-kstd_result staticPropertyListOf(const Record* record, const kstd_persistentStaticPropertyList** list) {
-    VEXPERS_REQUIRE(record != nullptr);
-    VEXPERS_REQUIRE(list != nullptr);
-    *list = nullptr;
-    if (record->isKnown == 0 || record->globalIndex < 0) return 0;
-    VEXPERS_TRY(ensureRegistryInitialized());
-    RegistryLock lock;
-    VEXPERS_TRY(lock.take());
-    if (record->globalIndex < state.staticLists.count) *list = state.staticLists.items[record->globalIndex];
     return 0;
 }
 

@@ -1,6 +1,6 @@
 // Internal interface of the type registry for the rest of the library: start-
-// up, the registry lock, interning of type and property names, and what a
-// registration kept for the property model.
+// up, the registry lock, interning of type and property names, and the hooks
+// through which registration makes property info entries.
 #pragma once
 
 #include "vexpers/type.h"
@@ -33,11 +33,6 @@ private:
     bool held_ = false;
 };
 
-// The static property list that the registration of `record` gave for the
-// record's form (plain for derivations 0 to 3, bit-field for 4 and 5), or
-// null. Core and unregistered records have none.
-kstd_result staticPropertyListOf(const kstd_persistentType_* record, const kstd_persistentStaticPropertyList** list);
-
 // ---- Property info entries ---------------------------------------------------------
 // Registration calls these two under the registry lock. They belong to the
 // property model, which makes the entries of a static property list.
@@ -50,5 +45,8 @@ kstd_result makePropertyInfoEntries(const kstd_persistentStaticPropertyList* lis
                                     int32_t* descriptorSerial, kstd_persistentPropertyInfoEntryVector** entries);
 // Deletes entries made by makePropertyInfoEntries (shut-down); null is a no-op.
 kstd_result deletePropertyInfoEntries(kstd_persistentPropertyInfoEntryVector** entries);
+// Calls the entry type registration of each entry that has one, in order,
+// stopping at the first failure; null entries: nothing.
+kstd_result registerPropertyInfoEntryTypes(const kstd_persistentPropertyInfoEntryVector* entries);
 
 }  // namespace vexpers::types

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "support/test_support.hpp"
+#include "types/type_test_support.hpp"
 
 namespace vexpers::test::info {
 
@@ -45,14 +45,6 @@ inline uint32_t equalInfos(const kstd_persistentPropertyInfo& a, const kstd_pers
                                    : kstd_persistentPropertyInfo_compareEqual(&a, &b, &equal);
     EXPECT_EQ(result, 0);
     return equal;
-}
-
-// Starts the registry, so that leak checks do not count what it makes once.
-inline void startRegistry() {
-    kstd_persistentType type;
-    kstd_persistentType_construct(&type);
-    kstd_persistentTypeGetType(u"int", 0, 1, &type);
-    kstd_persistentType_destruct(&type);
 }
 
 }  // namespace vexpers::test::info

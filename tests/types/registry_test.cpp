@@ -358,9 +358,12 @@ TEST(Registry, NestedRegistrationsOfMembersAndItems) {
         nullptr};
     static kstd_persistentPropertyInfoDefinition definitions[3]{};
     definitions[0].name = u"a";
+    definitions[0].typeName = u"int";
     definitions[0].accessors.slots.entryTypeRegistration = registerMemberA;
     definitions[1].name = u"skipped";  // no entry type registration
+    definitions[1].typeName = u"int";
     definitions[2].name = u"b";
+    definitions[2].typeName = u"int";
     definitions[2].accessors.slots.entryTypeRegistration = registerMemberB;
     static const kstd_persistentStaticPropertyList list{definitions, 3};
 
@@ -379,6 +382,7 @@ TEST(Registry, NestedRegistrationsOfMembersAndItems) {
     // A failing member registration is returned; the type itself is registered by then.
     static kstd_persistentPropertyInfoDefinition failing[1]{};
     failing[0].name = u"bad";
+    failing[0].typeName = u"int";
     failing[0].accessors.slots.entryTypeRegistration = failingMember;
     static const kstd_persistentStaticPropertyList failingList{failing, 1};
     Target& late = newTarget();

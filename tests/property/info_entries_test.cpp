@@ -1,0 +1,208 @@
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "property/info_entries.hpp"
+#include "property/info_test_support.hpp"
+
+namespace {
+
+using namespace vexpers::test;
+using namespace vexpers::test::info;
+using vexpers::property::entriesOf;
+using vexpers::property::entryAt;
+using vexpers::property::entryCount;
+using vexpers::property::entryIsLoadable;
+using vexpers::property::entryIsResolved;
+
+kstd_result addressOf(const void*, const void**) { return 0; }
+kstd_result loadDirectly(void*, const kstd_persistentType*, const kstd_persistentPropertyNode*) { return 0; }
+kstd_result loadMember(void*, void*, void*, const kstd_persistentType*, const kstd_persistentPropertyNode*) {
+    return 0;
+}
+
+std::vector<std::u16string> registered;
+Target* laterTarget = nullptr;
+kstd_result registerLater() {
+    registered.push_back(u"InfoEntryLater");
+    return registerObject(u"InfoEntryLater", *laterTarget);
+}
+kstd_result registerBits() {
+    registered.push_back(u"bits");
+    return 0;
+}
+
+std::u16string typeNameOf(const kstd_persistentPropertyInfo& info) {
+    const char16_t* name = nullptr;
+    kstd_persistentPropertyInfo_getTypeName(&info, &name);
+    return name != nullptr ? std::u16string(name) : std::u16string(u"(null)");
+}
+
+TEST(PropertyInfoEntries, RegistrationMakesEntries) {
+    laterTarget = &newTarget();
+    registered.clear();
+    static kstd_persistentPropertyInfoDefinition definitions[4]{};
+    definitions[0] = {u"width", 5, u"int", 0, {}};
+    definitions[0].accessors.slots.addressAccessor = addressOf;
+    definitions[0].accessors.slots.directLoadAccessor = loadDirectly;
+    // The member's type registers at the end of the owner's registration,
+    // after the entry was made.
+    definitions[1] = {u"child", 2, u"InfoEntryLater", 1, {}};
+    definitions[1].accessors.slots.memberLoadAccessor = loadMember;
+    definitions[1].accessors.slots.entryTypeRegistration = registerLater;
+    definitions[2] = {u"plain", 2, u"double", 2, {}};
+    definitions[3] = {u"", 9, u"InfoEntryNeverRegistered", 0, {}};
+    definitions[3].accessors.words[11] = &definitions[0];
+    definitions[3].accessors.words[12] = &definitions[1];
+    static const kstd_persistentStaticPropertyList list{definitions, 4};
+
+    Target& owner = newTarget();
+    ASSERT_EQ(kstd_persistentTypeRegisterTypeObject(u"InfoEntryOwner", &objectTable, &valueAccessTable, &list, 0,
+                                                    &owner.flag, &owner.handle),
+              0);
+    EXPECT_EQ(registered, std::vector<std::u16string>{u"InfoEntryLater"});
+    EXPECT_EQ(laterTarget->flag, 1u);
+
+    const kstd_persistentType_* record = recordOf(owner.handle);
+    ASSERT_EQ(record->hasPropertyInfoEntries, 1u);
+    ASSERT_EQ(entryCount(record), 4);
+    const auto entries = entriesOf(record);
+    for (int i = 0; i < 4; ++i) {
+        SCOPED_TRACE(i);
+        EXPECT_EQ(std::memcmp(&entries[i].accessors, &definitions[i].accessors, sizeof(kstd_persistentPropertyAccessors)),
+                  0);
+        uint32_t match = 0;
+        kstd_persistentPropertyInfo_doesNameMatch(&entries[i].info, definitions[i].name, &match);
+        EXPECT_EQ(match, 1u);
+        EXPECT_EQ(entries[i].info.dataAccess, definitions[i].dataAccess);
+        EXPECT_EQ(typeNameOf(entries[i].info), std::u16string(definitions[i].typeName));
+        EXPECT_EQ(entries[i].info.type.record.shared == nullptr, false);
+        // Global indexes run on across the entries.
+        EXPECT_EQ(entries[i].info.globalIndex, entries[0].info.globalIndex + i);
+    }
+    EXPECT_TRUE(entryIsResolved(entries[0]));
+    EXPECT_FALSE(entryIsResolved(entries[1]));  // registered only after the entry was made
+    EXPECT_TRUE(entryIsResolved(entries[2]));
+    EXPECT_FALSE(entryIsResolved(entries[3]));
+    EXPECT_TRUE(entryIsLoadable(entries[0]));
+    EXPECT_TRUE(entryIsLoadable(entries[1]));
+    EXPECT_FALSE(entryIsLoadable(entries[2]));
+    uint32_t derivation = 9;
+    kstd_persistentPropertyInfo_getTypeDerivation(&entries[2].info, &derivation);
+    EXPECT_EQ(derivation, 2u);
+    // The resolved entry holds the registered record itself.
+    TypeHandle doubles;
+    ASSERT_EQ(kstd_persistentTypeGetType(u"double", 2, 1, &doubles.t), 0);
+    EXPECT_EQ(recordOf(entries[2].info.type), recordOf(doubles.t));
+    EXPECT_EQ(entryAt(record, 4), nullptr);
+    EXPECT_EQ(entryAt(record, -1), nullptr);
+    EXPECT_EQ(entryAt(record, 3), &entries[3]);
+
+    // Every plain derivation shares the one entry vector.
+    TypeHandle pointer;
+    ASSERT_EQ(kstd_persistentTypeGetType(u"InfoEntryOwner", 3, 1, &pointer.t), 0);
+    EXPECT_EQ(recordOf(pointer.t)->propertyInfoEntries, record->propertyInfoEntries);
+
+    // The next list's entries continue the serial.
+    static const kstd_persistentPropertyInfoDefinition next[1]{{u"n", 2, u"int", 0, {}}};
+    static const kstd_persistentStaticPropertyList nextList{next, 1};
+    Target& second = newTarget();
+    ASSERT_EQ(kstd_persistentTypeRegisterTypeObject(u"InfoEntrySecond", &objectTable, &valueAccessTable, &nextList, 0,
+                                                    &second.flag, &second.handle),
+              0);
+    EXPECT_EQ(entriesOf(recordOf(second.handle))[0].info.globalIndex, entries[3].info.globalIndex + 1);
+}
+
+TEST(PropertyInfoEntries, EnumFormsAndEmptyLists) {
+    registered.clear();
+    static kstd_persistentPropertyInfoDefinition plain[1]{{u"value", 2, u"k_Int64", 0, {}}};
+    static kstd_persistentPropertyInfoDefinition bits[2]{{u"low", 2, u"k_UInt32", 0, {}},
+                                                         {u"high", 2, u"k_UInt32", 0, {}}};
+    bits[0].accessors.slots.entryTypeRegistration = registerBits;
+    static const kstd_persistentStaticPropertyList plainList{plain, 1};
+    static const kstd_persistentStaticPropertyList bitsList{bits, 2};
+    Target& value = newTarget();
+    Target& bitfield = newTarget();
+    ASSERT_EQ(kstd_persistentTypeRegisterTypeEnum(u"InfoEntryEnum", 1, 2, 3, 4, &valueAccessTable,
+                                                  &bitfieldValueAccessTable, &plainList, &bitsList, &value.flag,
+                                                  &bitfield.flag, &value.handle, &bitfield.handle),
+              0);
+    // Only the plain form's entries register their types.
+    EXPECT_TRUE(registered.empty());
+    EXPECT_EQ(entryCount(recordOf(value.handle)), 1);
+    EXPECT_EQ(entryCount(recordOf(bitfield.handle)), 2);
+    TypeHandle bitfieldArray;
+    ASSERT_EQ(kstd_persistentTypeGetType(u"InfoEntryEnum", 5, 1, &bitfieldArray.t), 0);
+    EXPECT_EQ(recordOf(bitfieldArray.t)->propertyInfoEntries, recordOf(bitfield.handle)->propertyInfoEntries);
+
+    // An empty list still gives the type (no) entries; no list gives none.
+    static const kstd_persistentStaticPropertyList emptyList{nullptr, 0};
+    Target& withEmpty = newTarget();
+    ASSERT_EQ(kstd_persistentTypeRegisterTypeObject(u"InfoEntryEmptyList", &objectTable, &valueAccessTable,
+                                                    &emptyList, 0, &withEmpty.flag, &withEmpty.handle),
+              0);
+    EXPECT_EQ(recordOf(withEmpty.handle)->hasPropertyInfoEntries, 1u);
+    EXPECT_EQ(entryCount(recordOf(withEmpty.handle)), 0);
+    Target& without = newTarget();
+    ASSERT_EQ(registerObject(u"InfoEntryNoList", without), 0);
+    EXPECT_EQ(recordOf(without.handle)->hasPropertyInfoEntries, 0u);
+    EXPECT_EQ(recordOf(without.handle)->propertyInfoEntries, nullptr);
+}
+
+TEST(PropertyInfoEntries, DefinitionsWithoutTypeNames) {
+    for (const char16_t* typeName : {static_cast<const char16_t*>(nullptr), u""}) {
+        const kstd_persistentPropertyInfoDefinition definitions[2]{{u"fine", 2, u"int", 0, {}},
+                                                                   {u"untyped", 2, typeName, 0, {}}};
+        const kstd_persistentStaticPropertyList list{definitions, 2};
+        Target& target = newTarget();
+        EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"InfoEntryUntyped", &objectTable, &valueAccessTable, &list, 0,
+                                                        &target.flag, &target.handle),
+                  kstd_persistentResult_invalidTypeName);
+        EXPECT_EQ(target.flag, 0u);
+        TypeHandle type;
+        EXPECT_EQ(kstd_persistentTypeGetType(u"InfoEntryUntyped", 0, 1, &type.t),
+                  kstd_persistentResult_typeNotRegistered);
+    }
+    // A list that claims entries without definitions is a programming error.
+    AssertRecorder faults;
+    const kstd_persistentStaticPropertyList broken{nullptr, 1};
+    Target& target = newTarget();
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"InfoEntryBroken", &objectTable, &valueAccessTable, &broken, 0,
+                                                    &target.flag, &target.handle),
+              ksys_result_preconditionFailed);
+    EXPECT_EQ(faults.count(), 1);
+}
+
+// Every allocation of a registration that makes entries may fail: the
+// registration returns a code and leaves the flag at 0, and a later attempt
+// succeeds. (What a failed registration interned stays with the registry.)
+TEST(PropertyInfoEntries, RegistrationSurvivesAllocationFailures) {
+    static const kstd_persistentPropertyInfoDefinition definitions[3]{{u"sweptA", 2, u"int", 0, {}},
+                                                                      {u"sweptB", 2, u"InfoEntrySweptItem", 2, {}},
+                                                                      {u"sweptC", 3, u"double", 1, {}}};
+    static const kstd_persistentStaticPropertyList list{definitions, 3};
+    int failures = 0;
+    for (int64_t k = 1;; ++k) {
+        const std::u16string name = u"InfoEntrySwept" + std::u16string(1, char16_t(u'A' + k % 26)) +
+                                    std::u16string(1, char16_t(u'A' + k / 26));
+        Target& target = newTarget();
+        ksys_memory_failAt(k, 0);
+        const kstd_result result = kstd_persistentTypeRegisterTypeObject(
+            name.c_str(), &objectTable, &valueAccessTable, &list, 0, &target.flag, &target.handle);
+        int32_t hit = 0;
+        ksys_memory_getInjectedFailureHit(&hit);
+        ksys_memory_failAt(0, 0);
+        if (!hit) {
+            ASSERT_EQ(result, 0);
+            EXPECT_EQ(entryCount(recordOf(target.handle)), 3);
+            break;
+        }
+        ++failures;
+        EXPECT_LT(result, 0) << "allocation " << k;
+        EXPECT_EQ(target.flag, 0u);
+        ASSERT_LT(k, 100);
+    }
+    EXPECT_GT(failures, 3);
+}
+
+}  // namespace
