@@ -46,8 +46,9 @@ typedef struct kstd_persistentPropertyInfoTable {
     /** Highest id given out; -1 while none. */
     int32_t maxId;
     int32_t maxInfoSetId;
-    /** Index over the stored descriptors for lookups in constant time;
-     *  owned by the table, rebuilt as needed. */
+    /** The table's own lookup index over the stored descriptors (memory of
+     *  the table; never touch it). Null until the first add and after a
+     *  reset; finds give the same answers with or without it. */
     void* index;
 } kstd_persistentPropertyInfoTable;
 

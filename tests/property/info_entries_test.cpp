@@ -10,7 +10,6 @@ namespace {
 using namespace vexpers::test;
 using namespace vexpers::test::info;
 using vexpers::property::entriesOf;
-using vexpers::property::entryAt;
 using vexpers::property::entryCount;
 using vexpers::property::entryIsLoadable;
 using vexpers::property::entryIsResolved;
@@ -69,34 +68,22 @@ TEST(PropertyInfoEntries, RegistrationMakesEntries) {
     const auto entries = entriesOf(record);
     for (int i = 0; i < 4; ++i) {
         SCOPED_TRACE(i);
-        EXPECT_EQ(std::memcmp(&entries[i].accessors, &definitions[i].accessors, sizeof(kstd_persistentPropertyAccessors)),
-                  0);
-        uint32_t match = 0;
-        kstd_persistentPropertyInfo_doesNameMatch(&entries[i].info, definitions[i].name, &match);
-        EXPECT_EQ(match, 1u);
+        EXPECT_EQ(std::memcmp(&entries[i].accessors, &definitions[i].accessors, sizeof(definitions[i].accessors)), 0);
+        EXPECT_EQ(nameOf(entries[i].info), std::u16string(definitions[i].name));
         EXPECT_EQ(entries[i].info.dataAccess, definitions[i].dataAccess);
         EXPECT_EQ(typeNameOf(entries[i].info), std::u16string(definitions[i].typeName));
-        EXPECT_EQ(entries[i].info.type.record.shared == nullptr, false);
-        // Global indexes run on across the entries.
-        EXPECT_EQ(entries[i].info.globalIndex, entries[0].info.globalIndex + i);
+        EXPECT_EQ(entries[i].info.globalIndex, entries[0].info.globalIndex + i);  // numbered in order
     }
-    EXPECT_TRUE(entryIsResolved(entries[0]));
-    EXPECT_FALSE(entryIsResolved(entries[1]));  // registered only after the entry was made
-    EXPECT_TRUE(entryIsResolved(entries[2]));
-    EXPECT_FALSE(entryIsResolved(entries[3]));
-    EXPECT_TRUE(entryIsLoadable(entries[0]));
-    EXPECT_TRUE(entryIsLoadable(entries[1]));
-    EXPECT_FALSE(entryIsLoadable(entries[2]));
-    uint32_t derivation = 9;
-    kstd_persistentPropertyInfo_getTypeDerivation(&entries[2].info, &derivation);
-    EXPECT_EQ(derivation, 2u);
-    // The resolved entry holds the registered record itself.
+    // The member type registered after its entry was made: not resolved yet.
+    EXPECT_EQ((std::vector<bool>{entryIsResolved(entries[0]), entryIsResolved(entries[1]),
+                                 entryIsResolved(entries[2]), entryIsResolved(entries[3])}),
+              (std::vector<bool>{true, false, true, false}));
+    EXPECT_EQ((std::vector<bool>{entryIsLoadable(entries[0]), entryIsLoadable(entries[1]),
+                                 entryIsLoadable(entries[2])}),
+              (std::vector<bool>{true, true, false}));
     TypeHandle doubles;
     ASSERT_EQ(kstd_persistentTypeGetType(u"double", 2, 1, &doubles.t), 0);
     EXPECT_EQ(recordOf(entries[2].info.type), recordOf(doubles.t));
-    EXPECT_EQ(entryAt(record, 4), nullptr);
-    EXPECT_EQ(entryAt(record, -1), nullptr);
-    EXPECT_EQ(entryAt(record, 3), &entries[3]);
 
     // Every plain derivation shares the one entry vector.
     TypeHandle pointer;
@@ -131,11 +118,8 @@ TEST(PropertyInfoEntries, EnumFormsAndEmptyLists) {
     EXPECT_TRUE(registered.empty());
     EXPECT_EQ(entryCount(recordOf(value.handle)), 1);
     EXPECT_EQ(entryCount(recordOf(bitfield.handle)), 2);
-    TypeHandle bitfieldArray;
-    ASSERT_EQ(kstd_persistentTypeGetType(u"InfoEntryEnum", 5, 1, &bitfieldArray.t), 0);
-    EXPECT_EQ(recordOf(bitfieldArray.t)->propertyInfoEntries, recordOf(bitfield.handle)->propertyInfoEntries);
 
-    // An empty list still gives the type (no) entries; no list gives none.
+    // An empty list still gives the type its (empty) entries.
     static const kstd_persistentStaticPropertyList emptyList{nullptr, 0};
     Target& withEmpty = newTarget();
     ASSERT_EQ(kstd_persistentTypeRegisterTypeObject(u"InfoEntryEmptyList", &objectTable, &valueAccessTable,
@@ -143,10 +127,6 @@ TEST(PropertyInfoEntries, EnumFormsAndEmptyLists) {
               0);
     EXPECT_EQ(recordOf(withEmpty.handle)->hasPropertyInfoEntries, 1u);
     EXPECT_EQ(entryCount(recordOf(withEmpty.handle)), 0);
-    Target& without = newTarget();
-    ASSERT_EQ(registerObject(u"InfoEntryNoList", without), 0);
-    EXPECT_EQ(recordOf(without.handle)->hasPropertyInfoEntries, 0u);
-    EXPECT_EQ(recordOf(without.handle)->propertyInfoEntries, nullptr);
 }
 
 TEST(PropertyInfoEntries, DefinitionsWithoutTypeNames) {
@@ -163,14 +143,6 @@ TEST(PropertyInfoEntries, DefinitionsWithoutTypeNames) {
         EXPECT_EQ(kstd_persistentTypeGetType(u"InfoEntryUntyped", 0, 1, &type.t),
                   kstd_persistentResult_typeNotRegistered);
     }
-    // A list that claims entries without definitions is a programming error.
-    AssertRecorder faults;
-    const kstd_persistentStaticPropertyList broken{nullptr, 1};
-    Target& target = newTarget();
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"InfoEntryBroken", &objectTable, &valueAccessTable, &broken, 0,
-                                                    &target.flag, &target.handle),
-              ksys_result_preconditionFailed);
-    EXPECT_EQ(faults.count(), 1);
 }
 
 // Every allocation of a registration that makes entries may fail: the
@@ -181,6 +153,7 @@ TEST(PropertyInfoEntries, RegistrationSurvivesAllocationFailures) {
                                                                       {u"sweptB", 2, u"InfoEntrySweptItem", 2, {}},
                                                                       {u"sweptC", 3, u"double", 1, {}}};
     static const kstd_persistentStaticPropertyList list{definitions, 3};
+    startRegistry();  // a failed start-up would be final
     int failures = 0;
     for (int64_t k = 1;; ++k) {
         const std::u16string name = u"InfoEntrySwept" + std::u16string(1, char16_t(u'A' + k % 26)) +
