@@ -282,6 +282,67 @@ VEXPERS_API kstd_result kstd_persistentVariant_setValueUsingType_double_(kstd_pe
                                                                          const kstd_persistentType* type,
                                                                          double value);
 
+/* ---- Object values: null pointers, enumerations, arrays -------------------------- */
+
+/*
+ * Storing. Each checks its arguments first and leaves the variant unchanged
+ * when a check fails; then the variant holds `type` and the value.
+ *   _setValueUsingTypePointerNull: a null pointer; the type's derivation must
+ *     be 1 (else 0x800040D6); the type need not be registered.
+ *   _setValueUsingTypeEnum: an enumeration value; the type must be
+ *     registered (0x800040C8) with category 6 and derivation 0 (else
+ *     0x800040D2).
+ *   _setValueBitfield64UsingTypeEnumBitfield: enumeration bits; category 6
+ *     and derivation 4 (else 0x800040D3). The 32-bit form zero-extends.
+ *   _setValueUsingTypeArrayEmpty: an empty array; derivation 2 or 5 (else
+ *     0x800040D6); the type need not be registered.
+ *   _setValueUsingTypeArrayInContainer: the array held by `container` (which
+ *     stays the caller's, isBorrowed 1), described by its container table: a
+ *     null container fails with 0x800040CC, a null table with 0x800040C0, a
+ *     table missing one of its first five operations with 0x800040C1; the
+ *     count is asked from the container (its failure returned; a negative
+ *     count 0x800040D7); the type must be registered with derivation 2 or 5
+ *     (else 0x800040D6).
+ * A descriptor without a record fails with 0x80004100.
+ *
+ * Reading.
+ *   _getWholeObject: the object held (borrowed or created) or the pointer of
+ *     a pointer type; *object is null first; a value of another category than
+ *     7 and another derivation than 1 fails with 0x800040D6.
+ *   _getArrayBeginSizeIntPtr: the first element (for an array in a container:
+ *     the container) and the item count of an array value; both 0 first; a
+ *     derivation other than 2 and 5 fails with 0x800040D6, a count beyond 32
+ *     bits with 0x800040DC. The Const form is the same.
+ *   _getPropertyUsingName: resets `property`, then finds the property of the
+ *     held object named by `path`; "a.b.c" is property c of the object held
+ *     by property b of the object held by property a. A null or empty path,
+ *     or an empty part (a path ending in '.'), fails with 0x800040C3; a step
+ *     whose value is not an object (category 7) with 0x800040D6, a null
+ *     object with 0x800040CC, an unregistered type with 0x800040C8; a name
+ *     that the object's type does not declare with 0x800040C9.
+ */
+VEXPERS_API kstd_result kstd_persistentVariant_setValueUsingTypePointerNull(kstd_persistentVariant* variant,
+                                                                            const kstd_persistentType* type);
+VEXPERS_API kstd_result kstd_persistentVariant_setValueUsingTypeEnum(kstd_persistentVariant* variant,
+                                                                     const kstd_persistentType* type, int64_t value);
+VEXPERS_API kstd_result kstd_persistentVariant_setValueBitfield64UsingTypeEnumBitfield(
+    kstd_persistentVariant* variant, const kstd_persistentType* type, uint64_t bits);
+VEXPERS_API kstd_result kstd_persistentVariant_setValueBitfield32UsingTypeEnumBitfield(
+    kstd_persistentVariant* variant, const kstd_persistentType* type, uint32_t bits);
+VEXPERS_API kstd_result kstd_persistentVariant_setValueUsingTypeArrayEmpty(kstd_persistentVariant* variant,
+                                                                           const kstd_persistentType* type);
+VEXPERS_API kstd_result kstd_persistentVariant_setValueUsingTypeArrayInContainer(
+    kstd_persistentVariant* variant, const kstd_persistentType* type, void* container,
+    const kstd_persistentContainerVtable* containerVtable);
+VEXPERS_API kstd_result kstd_persistentVariant_getWholeObject(const kstd_persistentVariant* variant, void** object);
+VEXPERS_API kstd_result kstd_persistentVariant_getArrayBeginSizeIntPtr(kstd_persistentVariant* variant, void** begin,
+                                                                       intptr_t* count);
+VEXPERS_API kstd_result kstd_persistentVariant_getArrayBeginSizeIntPtrConst(const kstd_persistentVariant* variant,
+                                                                            const void** begin, intptr_t* count);
+VEXPERS_API kstd_result kstd_persistentVariant_getPropertyUsingName(const kstd_persistentVariant* variant,
+                                                                    const char16_t* path,
+                                                                    kstd_persistentProperty* property);
+
 /* ---- Strings -------------------------------------------------------------------- */
 
 /*

@@ -16,5 +16,6 @@
 #include "vexpers/type.h"
 #include "vexpers/variant.h"
 #include "vexpers/propertyinfo.h"
+#include "vexpers/property.h"
 
 #endif /* VEXPERS_VEXPERS_H */

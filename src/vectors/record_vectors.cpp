@@ -3,6 +3,7 @@
 // to the generic vector with the element size and the element table.
 #include <utility>
 
+#include "vexpers/property.h"
 #include "vexpers/propertyinfo.h"
 #include "vexpers/recordvectors.h"
 #include "vexpers/stringconst.h"
