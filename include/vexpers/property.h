@@ -870,6 +870,242 @@ VEXPERS_API void ksys_typeCheckFunc_kstd_persistentPropertyBagSetNewBagGetter(
 VEXPERS_API void ksys_typeCheckFuncPtr_kstd_persistentPropertyBagSetNewBagGetter(
     kstd_result (*function)(kstd_persistentPropertyBagSetNewBagGetter**));
 
+/* ==== Built-in object types ============================================================= */
+
+/*
+ * Members of the property and bag for each built-in object type T (the
+ * shared pointers and the typed vectors). Each fetches T's registered type
+ * (registering T on first use; a registration failure is returned) and
+ * forwards, value by address:
+ *   kstd_persistentProperty_resetInfoAndValue_T: _resetInfoAndValueUsingType
+ *     (the property borrows the caller's object);
+ *   kstd_persistentProperty_getValue_T, _getValuePtrConst_T: the variant's
+ *     members of the same names on the property's value;
+ *   kstd_persistentPropertyBag_addValue_T, _getValue_T, _transferValue_T and,
+ *     for the vectors, _getValuePtrConst_T: the bag's UsingType operations of
+ *     the same names, with their codes.
+ */
+VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(kstd_persistentProperty* property,
+    const char16_t* name, uint32_t dataAccess, const kstd_ptrh* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValue_kstd_ptrh(const kstd_persistentProperty* property,
+    kstd_ptrh* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValuePtrConst_kstd_ptrh(const kstd_persistentProperty* property,
+    const kstd_ptrh** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_addValue_kstd_ptrh(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t dataAccess, const kstd_ptrh* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValue_kstd_ptrh(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_ptrh* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_transferValue_kstd_ptrh(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_ptrh* value);
+VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValue_kstd_ptrhConst(kstd_persistentProperty* property,
+    const char16_t* name, uint32_t dataAccess, const kstd_ptrhConst* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValue_kstd_ptrhConst(const kstd_persistentProperty* property,
+    kstd_ptrhConst* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValuePtrConst_kstd_ptrhConst(const kstd_persistentProperty* property,
+    const kstd_ptrhConst** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_addValue_kstd_ptrhConst(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t dataAccess, const kstd_ptrhConst* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValue_kstd_ptrhConst(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_ptrhConst* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_transferValue_kstd_ptrhConst(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_ptrhConst* value);
+VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValue_kstd_vector8s(kstd_persistentProperty* property,
+    const char16_t* name, uint32_t dataAccess, const kstd_vector8s* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValue_kstd_vector8s(const kstd_persistentProperty* property,
+    kstd_vector8s* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValuePtrConst_kstd_vector8s(const kstd_persistentProperty* property,
+    const kstd_vector8s** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_addValue_kstd_vector8s(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t dataAccess, const kstd_vector8s* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValue_kstd_vector8s(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vector8s* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValuePtrConst_kstd_vector8s(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, const kstd_vector8s** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_transferValue_kstd_vector8s(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vector8s* value);
+VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValue_kstd_vector8(kstd_persistentProperty* property,
+    const char16_t* name, uint32_t dataAccess, const kstd_vector8* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValue_kstd_vector8(const kstd_persistentProperty* property,
+    kstd_vector8* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValuePtrConst_kstd_vector8(const kstd_persistentProperty* property,
+    const kstd_vector8** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_addValue_kstd_vector8(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t dataAccess, const kstd_vector8* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValue_kstd_vector8(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vector8* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValuePtrConst_kstd_vector8(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, const kstd_vector8** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_transferValue_kstd_vector8(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vector8* value);
+VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValue_kstd_vector16s(kstd_persistentProperty* property,
+    const char16_t* name, uint32_t dataAccess, const kstd_vector16s* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValue_kstd_vector16s(const kstd_persistentProperty* property,
+    kstd_vector16s* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValuePtrConst_kstd_vector16s(const kstd_persistentProperty* property,
+    const kstd_vector16s** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_addValue_kstd_vector16s(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t dataAccess, const kstd_vector16s* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValue_kstd_vector16s(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vector16s* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValuePtrConst_kstd_vector16s(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, const kstd_vector16s** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_transferValue_kstd_vector16s(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vector16s* value);
+VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValue_kstd_vector16(kstd_persistentProperty* property,
+    const char16_t* name, uint32_t dataAccess, const kstd_vector16* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValue_kstd_vector16(const kstd_persistentProperty* property,
+    kstd_vector16* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValuePtrConst_kstd_vector16(const kstd_persistentProperty* property,
+    const kstd_vector16** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_addValue_kstd_vector16(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t dataAccess, const kstd_vector16* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValue_kstd_vector16(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vector16* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValuePtrConst_kstd_vector16(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, const kstd_vector16** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_transferValue_kstd_vector16(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vector16* value);
+VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValue_kstd_vector32s(kstd_persistentProperty* property,
+    const char16_t* name, uint32_t dataAccess, const kstd_vector32s* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValue_kstd_vector32s(const kstd_persistentProperty* property,
+    kstd_vector32s* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValuePtrConst_kstd_vector32s(const kstd_persistentProperty* property,
+    const kstd_vector32s** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_addValue_kstd_vector32s(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t dataAccess, const kstd_vector32s* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValue_kstd_vector32s(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vector32s* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValuePtrConst_kstd_vector32s(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, const kstd_vector32s** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_transferValue_kstd_vector32s(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vector32s* value);
+VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValue_kstd_vector32(kstd_persistentProperty* property,
+    const char16_t* name, uint32_t dataAccess, const kstd_vector32* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValue_kstd_vector32(const kstd_persistentProperty* property,
+    kstd_vector32* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValuePtrConst_kstd_vector32(const kstd_persistentProperty* property,
+    const kstd_vector32** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_addValue_kstd_vector32(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t dataAccess, const kstd_vector32* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValue_kstd_vector32(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vector32* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValuePtrConst_kstd_vector32(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, const kstd_vector32** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_transferValue_kstd_vector32(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vector32* value);
+VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValue_kstd_vector64s(kstd_persistentProperty* property,
+    const char16_t* name, uint32_t dataAccess, const kstd_vector64s* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValue_kstd_vector64s(const kstd_persistentProperty* property,
+    kstd_vector64s* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValuePtrConst_kstd_vector64s(const kstd_persistentProperty* property,
+    const kstd_vector64s** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_addValue_kstd_vector64s(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t dataAccess, const kstd_vector64s* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValue_kstd_vector64s(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vector64s* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValuePtrConst_kstd_vector64s(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, const kstd_vector64s** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_transferValue_kstd_vector64s(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vector64s* value);
+VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValue_kstd_vector64(kstd_persistentProperty* property,
+    const char16_t* name, uint32_t dataAccess, const kstd_vector64* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValue_kstd_vector64(const kstd_persistentProperty* property,
+    kstd_vector64* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValuePtrConst_kstd_vector64(const kstd_persistentProperty* property,
+    const kstd_vector64** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_addValue_kstd_vector64(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t dataAccess, const kstd_vector64* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValue_kstd_vector64(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vector64* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValuePtrConst_kstd_vector64(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, const kstd_vector64** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_transferValue_kstd_vector64(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vector64* value);
+VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValue_kstd_vectorIntPtrs(kstd_persistentProperty* property,
+    const char16_t* name, uint32_t dataAccess, const kstd_vectorIntPtrs* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValue_kstd_vectorIntPtrs(const kstd_persistentProperty* property,
+    kstd_vectorIntPtrs* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValuePtrConst_kstd_vectorIntPtrs(const kstd_persistentProperty* property,
+    const kstd_vectorIntPtrs** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_addValue_kstd_vectorIntPtrs(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t dataAccess, const kstd_vectorIntPtrs* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValue_kstd_vectorIntPtrs(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vectorIntPtrs* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValuePtrConst_kstd_vectorIntPtrs(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, const kstd_vectorIntPtrs** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_transferValue_kstd_vectorIntPtrs(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vectorIntPtrs* value);
+VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValue_kstd_vectorIntPtr(kstd_persistentProperty* property,
+    const char16_t* name, uint32_t dataAccess, const kstd_vectorIntPtr* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValue_kstd_vectorIntPtr(const kstd_persistentProperty* property,
+    kstd_vectorIntPtr* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValuePtrConst_kstd_vectorIntPtr(const kstd_persistentProperty* property,
+    const kstd_vectorIntPtr** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_addValue_kstd_vectorIntPtr(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t dataAccess, const kstd_vectorIntPtr* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValue_kstd_vectorIntPtr(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vectorIntPtr* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValuePtrConst_kstd_vectorIntPtr(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, const kstd_vectorIntPtr** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_transferValue_kstd_vectorIntPtr(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vectorIntPtr* value);
+VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValue_kstd_vectorf(kstd_persistentProperty* property,
+    const char16_t* name, uint32_t dataAccess, const kstd_vectorf* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValue_kstd_vectorf(const kstd_persistentProperty* property,
+    kstd_vectorf* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValuePtrConst_kstd_vectorf(const kstd_persistentProperty* property,
+    const kstd_vectorf** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_addValue_kstd_vectorf(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t dataAccess, const kstd_vectorf* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValue_kstd_vectorf(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vectorf* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValuePtrConst_kstd_vectorf(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, const kstd_vectorf** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_transferValue_kstd_vectorf(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vectorf* value);
+VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValue_kstd_vectord(kstd_persistentProperty* property,
+    const char16_t* name, uint32_t dataAccess, const kstd_vectord* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValue_kstd_vectord(const kstd_persistentProperty* property,
+    kstd_vectord* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValuePtrConst_kstd_vectord(const kstd_persistentProperty* property,
+    const kstd_vectord** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_addValue_kstd_vectord(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t dataAccess, const kstd_vectord* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValue_kstd_vectord(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vectord* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValuePtrConst_kstd_vectord(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, const kstd_vectord** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_transferValue_kstd_vectord(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vectord* value);
+VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValue_kstd_vectorb(kstd_persistentProperty* property,
+    const char16_t* name, uint32_t dataAccess, const kstd_vectorb* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValue_kstd_vectorb(const kstd_persistentProperty* property,
+    kstd_vectorb* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValuePtrConst_kstd_vectorb(const kstd_persistentProperty* property,
+    const kstd_vectorb** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_addValue_kstd_vectorb(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t dataAccess, const kstd_vectorb* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValue_kstd_vectorb(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vectorb* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValuePtrConst_kstd_vectorb(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, const kstd_vectorb** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_transferValue_kstd_vectorb(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vectorb* value);
+VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValue_kstd_vector_kstd_unicodeString(kstd_persistentProperty* property,
+    const char16_t* name, uint32_t dataAccess, const kstd_vector_kstd_unicodeString* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValue_kstd_vector_kstd_unicodeString(const kstd_persistentProperty* property,
+    kstd_vector_kstd_unicodeString* value);
+VEXPERS_API kstd_result kstd_persistentProperty_getValuePtrConst_kstd_vector_kstd_unicodeString(const kstd_persistentProperty* property,
+    const kstd_vector_kstd_unicodeString** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_addValue_kstd_vector_kstd_unicodeString(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t dataAccess, const kstd_vector_kstd_unicodeString* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValue_kstd_vector_kstd_unicodeString(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vector_kstd_unicodeString* value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_getValuePtrConst_kstd_vector_kstd_unicodeString(const kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, const kstd_vector_kstd_unicodeString** value);
+VEXPERS_API kstd_result kstd_persistentPropertyBag_transferValue_kstd_vector_kstd_unicodeString(kstd_persistentPropertyBag* bag,
+    const char16_t* name, uint32_t* dataAccess, kstd_vector_kstd_unicodeString* value);
+
 VEXPERS_EXTERN_C_END
 
 #endif /* VEXPERS_PROPERTY_H */

@@ -3,13 +3,20 @@
 
 #include "frame/frame.hpp"
 #include "property/info_entries.hpp"
+#include "types/property_transfer.hpp"
 #include "types/registry.hpp"
+#include "types/type_record.hpp"
 
 namespace vexpers::types {
 
-kstd_result propertyFromEntries(const kstd_persistentType*, const void*, const char16_t*, int32_t, int32_t,
-                                kstd_persistentProperty*) {
-    return kstd_persistentResult_operationMissing;
+kstd_result propertyFromEntries(const kstd_persistentType* type, const void* object, const char16_t* text,
+                                int32_t start, int32_t length, kstd_persistentProperty* property) {
+    VEXPERS_REQUIRE(property != nullptr);
+    const kstd_persistentType_* record = nullptr;
+    VEXPERS_TRY(resolveRecord(type, true, &record));
+    bool found = false;
+    VEXPERS_TRY(getEntryPropertyUsingNamePart(record, object, text, start, length, &found, property));
+    return found ? 0 : kstd_persistentResult_propertyNotFound;
 }
 
 kstd_result infoSetFromEntries(const kstd_persistentType* type, kstd_persistentPropertyInfoSet* set) {

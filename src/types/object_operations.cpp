@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstring>
 
+#include "vexpers/property.h"
 #include "vexpers/text.h"
 #include "vexpers/variant.h"
 
@@ -226,6 +227,7 @@ VEXPERS_EXPORT kstd_result kstd_persistentType_getObjectPropertyUsingNameSubstr(
                                                                                 kstd_persistentProperty* property) {
     VEXPERS_REQUIRE(type != nullptr);
     VEXPERS_REQUIRE(property != nullptr);
+    VEXPERS_TRY(kstd_persistentProperty_reset(property));
     const Record* record = nullptr;
     VEXPERS_TRY(resolveRecord(type, true, &record));
     if (object == nullptr) return kstd_persistentResult_nullArgument;
@@ -242,6 +244,7 @@ VEXPERS_EXPORT kstd_result kstd_persistentType_getPersistentPropertyInfoSet(cons
                                                                             kstd_persistentPropertyInfoSet* set) {
     VEXPERS_REQUIRE(type != nullptr);
     VEXPERS_REQUIRE(set != nullptr);
+    VEXPERS_TRY(kstd_persistentPropertyInfoSet_reset(set));
     const Record* record = nullptr;
     VEXPERS_TRY(resolveRecord(type, true, &record));
     const kstd_persistentValueAccessVtable* access = nullptr;

@@ -2,6 +2,8 @@
 // alive through their shared interface, arrays allocated in a shared array
 // holder, the shared interface of a held object, and the description of an
 // array value with or without a container.
+#include "vexpers/property.h"
+
 #include "frame/frame.hpp"
 #include "types/type_record.hpp"
 #include "variant/array_holder.hpp"
@@ -145,4 +147,29 @@ VEXPERS_EXPORT kstd_result kstd_persistentVariant_getContainer(const kstd_persis
                                         ? kstd_persistentTypeDerivation_bitfield
                                         : kstd_persistentTypeDerivation_value;
     return kstd_persistentType_resetTypeNameAndDerivation(elementType, name, itemDerivation);
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentVariant_getObjectData(const kstd_persistentVariant* variant,
+                                                                kstd_persistentPropertyBag* bag) {
+    VEXPERS_REQUIRE(variant != nullptr);
+    VEXPERS_REQUIRE(bag != nullptr);
+    if (bag->isStoring == 0) return kstd_persistentResult_bagNotStoring;
+    VEXPERS_TRY(kstd_persistentPropertyBag_removeAllProperties(bag));
+    const Record* record = nullptr;
+    VEXPERS_TRY(vexpers::types::resolveRecord(&variant->type, true, &record));
+    const uint32_t category = record->category;
+    const uint32_t derivation = record->derivation;
+    const bool isObject = category == kstd_persistentTypeCategory_object;
+    const bool isEnum = category == kstd_persistentTypeCategory_enum;
+    // A core value has no properties of its own.
+    if (!isObject && !isEnum && derivation == kstd_persistentTypeDerivation_value) return 0;
+    if (isArrayDerivation(derivation)) return kstd_persistentResult_notSupported;
+    // An enumeration's value is its own object; everything else is reached
+    // through the pointer the variant holds.
+    void* object = variant->value.pointer;
+    if (isEnum && (derivation == kstd_persistentTypeDerivation_value ||
+                   derivation == kstd_persistentTypeDerivation_bitfield))
+        object = const_cast<kstd_persistentVariantValue*>(&variant->value);
+    if (object == nullptr) return kstd_persistentResult_nullArgument;
+    return kstd_persistentType_transferObjectPersistentProperties(&variant->type, object, bag);
 }

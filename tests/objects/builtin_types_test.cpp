@@ -247,4 +247,65 @@ TEST(BuiltinTypes, VariantFunctions) {
     kstd_vector32_destruct(&numbers);
 }
 
+TEST(BuiltinTypes, PropertyAndBagMembers) {
+    startModule();
+    for (const Builtin& builtin : builtins()) {
+        Handle type;
+        builtin.getType(&type.t, 1);
+    }
+    // Run once before counting: the registry interns the property names for
+    // good.
+    auto scenario = [] {
+        kstd_vector16s items;
+        kstd_vector16s_construct(&items);
+        kstd_vector16s_pushBack(&items, -3);
+        kstd_persistentPropertyBag bag;
+        ASSERT_EQ(kstd_persistentPropertyBag_construct(&bag), 0);
+        ASSERT_EQ(kstd_persistentPropertyBag_addValue_kstd_vector16s(&bag, u"items", 5, &items), 0);
+        const kstd_vector16s* held = nullptr;
+        uint32_t access = 0;
+        EXPECT_EQ(kstd_persistentPropertyBag_getValuePtrConst_kstd_vector16s(&bag, u"items", &access, &held), 0);
+        EXPECT_EQ(held, &items);  // the bag borrows the caller's vector
+        EXPECT_EQ(access, 5u);
+        kstd_vector16s copy;
+        kstd_vector16s_construct(&copy);
+        bag.isStoring = 0;
+        EXPECT_EQ(kstd_persistentPropertyBag_transferValue_kstd_vector16s(&bag, u"items", nullptr, &copy), 0);
+        intptr_t size = 0;
+        kstd_vector16s_getSizeIntPtr(&copy, &size);
+        EXPECT_EQ(size, 1);
+        kstd_vector16 other;
+        kstd_vector16_construct(&other);
+        EXPECT_EQ(kstd_persistentPropertyBag_getValue_kstd_vector16(&bag, u"items", nullptr, &other),
+                  kstd_persistentResult_notSupported);  // no conversion between object types
+        EXPECT_EQ(kstd_persistentPropertyBag_getValue_kstd_vector16s(&bag, u"absent", nullptr, &copy),
+                  kstd_persistentResult_propertyNotFound);
+
+        // A property holding a shared pointer shares nothing: it borrows.
+        kstd_ptrh pointer;
+        kstd_ptrh_constructEmpty(&pointer);
+        kstd_persistentProperty property;
+        ASSERT_EQ(kstd_persistentProperty_construct(&property), 0);
+        ASSERT_EQ(kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(&property, u"owner", 2, &pointer), 0);
+        const kstd_ptrh* address = nullptr;
+        EXPECT_EQ(kstd_persistentProperty_getValuePtrConst_kstd_ptrh(&property, &address), 0);
+        EXPECT_EQ(address, &pointer);
+        kstd_ptrh target;
+        kstd_ptrh_constructEmpty(&target);
+        EXPECT_EQ(kstd_persistentProperty_getValue_kstd_ptrh(&property, &target), 0);
+
+        kstd_ptrh_destruct(&target);
+        kstd_persistentProperty_destruct(&property);
+        kstd_ptrh_destruct(&pointer);
+        kstd_vector16_destruct(&other);
+        kstd_vector16s_destruct(&copy);
+        kstd_persistentPropertyBag_destruct(&bag);
+        kstd_vector16s_destruct(&items);
+    };
+    scenario();
+    LiveBlockCheck leaks;
+    scenario();
+    EXPECT_EQ(leaks.leaked(), 0);
+}
+
 }  // namespace

@@ -278,6 +278,9 @@ kstd_result loadMember(void*, void*, void*, const kstd_persistentType*, const ks
     return kstd_persistentResult_notSupported;
 }
 kstd_result registerColor();
+kstd_result storeWhole(const void* object, kstd_persistentProperty* property) {
+    return kstd_persistentProperty_resetInfoAndValue_int(property, u"stored", 2, widgetOf(object).number + 1);
+}
 
 kstd_persistentPropertyAccessors accessors(std::initializer_list<std::pair<int, const void*>> words) {
     kstd_persistentPropertyAccessors result{};
@@ -302,6 +305,8 @@ const kstd_persistentPropertyInfoDefinition widgetDefinitions[]{
     {u"flags64", 2, u"TestColor", 4, accessors({{2, word(flags64Value)}})},
     {u"inner", 2, u"TestInner", 0, accessors({{4, word(innerAddress)}, {8, word(loadDirectly)}})},
     {u"link", 2, u"TestInner", 1, accessors({{5, word(nullLink)}})},
+    // Word 6 fills the whole property and is preferred to all others.
+    {u"stored", 2, u"int", 0, accessors({{6, word(storeWhole)}, {4, word(innerCountAddress)}})},
     // Words 11 and 12 are kept and never called: no property.
     {u"nothing", 2, u"k_Int32", 0, accessors({{11, &calls}, {12, &calls}})},
 };
