@@ -148,6 +148,11 @@ kstd_result freeSubtree(Node* node) {
             last->nextSibling = work;
             work = current->firstChild;
         }
+        // Large trees do not fit the caches: fetch the next node while this
+        // one is destroyed.
+        if (work != nullptr)
+            for (size_t offset = 0; offset < sizeof(Node); offset += 64)
+                __builtin_prefetch(reinterpret_cast<const char*>(work) + offset);
         Tree* owner = current->owner;
         kstd_result result = kstd_persistentPropertyInfo_destruct(&current->info);
         const kstd_result propertyResult = kstd_persistentProperty_destruct(&current->leafProperty);

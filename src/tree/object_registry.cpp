@@ -17,8 +17,10 @@
 // the index is rebuilt from nothing when the registry is cleared.
 //
 // The index and the side table live in one block that the tree's
-// objectIndex field owns; it is made on the first record and freed when the
-// registry is cleared (forgetAllObjects, reset, destruct).
+// objectIndex field owns; it is made on the first record, emptied when the
+// registry is cleared (forgetAllObjects, reset; it keeps its memory for the
+// next decomposition unless that memory is far larger than the last one
+// needed) and freed with the tree.
 #include <new>
 
 #include "tree/flat_table.hpp"
@@ -161,12 +163,20 @@ kstd_result forgetObjects(Tree* tree) {
     if (ObjectIndex* index = indexOf(tree); index != nullptr) {
         index->sparse.forEach(
             [&](uint64_t, int64_t value) { deleteSparseEntry(reinterpret_cast<SparseEntry*>(value), &first); });
+        index->sparse.clear();
+        index->lowestId.clear();
+        index->sparseEnd = 0;
+    }
+    return first;
+}
+
+void releaseObjectIndex(Tree* tree) {
+    if (ObjectIndex* index = indexOf(tree); index != nullptr) {
         index->~ObjectIndex();
         void* memory = index;
         ksys_memory_free_internal(&memory);
         tree->objectIndex = nullptr;
     }
-    return first;
 }
 
 }  // namespace vexpers::tree
