@@ -138,6 +138,35 @@ TEST(Property, LeafAndArrayKindsFollowTheValue) {
     EXPECT_EQ(isNull, 0u);
     EXPECT_EQ(items, 0);
 
+    // Three allocated items: not a leaf; the container description says so.
+    void* allocated = nullptr;
+    uint32_t elementSize = 0;
+    ASSERT_EQ(kstd_persistentProperty_resetInfoAndValueArrayAndAlloc(&property.p, &info.p.info, 3, &allocated,
+                                                                     &elementSize),
+              0);
+    kinds(&leaf, &array, &isNull, &items);
+    EXPECT_EQ(leaf, kstd_persistentLeafKind_none);
+    EXPECT_EQ(items, 3);
+    EXPECT_EQ(elementSize, 8u);
+    void* container = &info;
+    uint32_t containerValue = 9, size = 0;
+    void* begin = nullptr;
+    intptr_t described = 0;
+    const kstd_persistentContainerVtable* table = &listTable;
+    TypeHandle itemType;
+    ASSERT_EQ(kstd_persistentProperty_getContainer(&property.p, &container, &containerValue, &size, &begin,
+                                                   &described, &table, &itemType.t),
+              0);
+    EXPECT_EQ(container, nullptr);
+    EXPECT_EQ(containerValue, 0u);
+    EXPECT_EQ(size, 8u);
+    EXPECT_EQ(begin, allocated);
+    EXPECT_EQ(described, 3);
+    EXPECT_EQ(table, nullptr);
+    uint32_t itemDerivation = 9;
+    EXPECT_EQ(kstd_persistentType_getTypeDerivation(&itemType.t, &itemDerivation), 0);
+    EXPECT_EQ(itemDerivation, kstd_persistentTypeDerivation_value);
+
     // Three items in a container: not a leaf.
     IntList list{{1, 2, 3, 0}, 3};
     ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayInContainer(&property.p.value, &ints.t, &list, &listTable),
