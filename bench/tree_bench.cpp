@@ -5,7 +5,8 @@
 // to other objects. Object i refers to objects 2i+1 and 2i+2 where they
 // exist, and to pseudo-random objects otherwise, so every object is reached
 // from object 0 and about n + 1 references meet an object already defined.
-// Each reference is read as a pointer to the object it holds.
+// A shared pointer decomposes into a node with one child "ptr" that defines
+// or refers to the object, so the tree has 12 nodes per object.
 //
 // Reported per node of the tree: the decomposition time (ns_per_node; the
 // tree is reset, which frees the previous nodes, inside the timing) and the
@@ -44,6 +45,11 @@ kstd_persistentType objectPointerType;
 
 kstd_result keep(kstd_shared*) { return 0; }  // the benchmark owns its objects
 constexpr kstd_sharedCustom counting{keep, nullptr, nullptr};
+kstd_result sharedTypename(const kstd_shared*, const char16_t** name) {
+    *name = u"BenchObject";
+    return 0;
+}
+constexpr kstd_sharedTyped typed{kstd_shared_queryInterfaceByTypenameFinal, sharedTypename};
 
 kstd_result objectSize(uint32_t* size) {
     *size = sizeof(Object);
@@ -75,13 +81,6 @@ kstd_result address(const void* object, const void** member) {
     return 0;
 }
 
-template <auto Member>
-kstd_result reference(const void* object, kstd_persistentVariant* value) {
-    void* whole = nullptr;
-    kstd_ptrh_getWholeShared(&(static_cast<const Object*>(object)->*Member), &whole);
-    return kstd_persistentVariant_setValueUsingType(value, &objectPointerType, whole);
-}
-
 template <int Index, class F>
 kstd_persistentPropertyAccessors word(F function) {
     kstd_persistentPropertyAccessors accessors{};
@@ -98,8 +97,8 @@ const kstd_persistentPropertyInfoDefinition definitions[]{
     {u"f", 2, u"double", 0, word<4>(address<&Object::f>)},
     {u"g", 2, u"float", 0, word<4>(address<&Object::g>)},
     {u"h", 2, u"k_Bool", 0, word<4>(address<&Object::h>)},
-    {u"left", 2, u"BenchObject", 1, word<5>(reference<&Object::left>)},
-    {u"right", 2, u"BenchObject", 1, word<5>(reference<&Object::right>)},
+    {u"left", 2, u"kstd_ptrh", 0, word<4>(address<&Object::left>)},
+    {u"right", 2, u"kstd_ptrh", 0, word<4>(address<&Object::right>)},
 };
 const kstd_persistentStaticPropertyList properties{definitions, std::size(definitions)};
 
@@ -120,7 +119,7 @@ public:
         for (auto& object : objects_) {
             object = std::make_unique<Object>();
             std::memset(object.get(), 0, sizeof(Object));
-            kstd_shared_initCustom(&object->header, object.get(), &counting);
+            kstd_shared_initCustomTyped(&object->header, object.get(), &counting, &typed);
         }
         std::mt19937_64 random(42);
         for (int64_t i = 0; i < n; ++i) {

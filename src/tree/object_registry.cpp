@@ -157,8 +157,20 @@ int64_t nextObjectId(const Tree* tree) {
 }
 
 kstd_result forgetObjects(Tree* tree) {
-    kstd_result first = kstd_vectorPtrConstVoid_clear(&tree->objectPointers);
-    const kstd_result result = kstd_vector_kstd_persistentVariant_clear(&tree->objects);
+    // Releasing n objects touches n scattered objects: release them here,
+    // fetching a few ahead, so that the vector's clear destroys empty variants.
+    kstd_result first = 0;
+    auto objects = elementsOf<kstd_persistentVariant>(tree->objects);
+    constexpr size_t ahead = 8;
+    for (size_t i = 0; i < objects.size(); ++i) {
+        if (i + ahead < objects.size() && objects[i + ahead].sharedObject.shared != nullptr)
+            __builtin_prefetch(objects[i + ahead].sharedObject.shared, 1);
+        const kstd_result result = kstd_persistentVariant_reset(&objects[i]);
+        if (first >= 0 && result < 0) first = result;
+    }
+    kstd_result result = kstd_vectorPtrConstVoid_clear(&tree->objectPointers);
+    if (first >= 0) first = result;
+    result = kstd_vector_kstd_persistentVariant_clear(&tree->objects);
     if (first >= 0) first = result;
     if (ObjectIndex* index = indexOf(tree); index != nullptr) {
         index->sparse.forEach(

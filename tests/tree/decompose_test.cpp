@@ -40,11 +40,12 @@ TEST_F(DecomposeTest, EachKindOfValueBecomesItsNode) {
     ASSERT_NE(root, nullptr);
     EXPECT_EQ(root->flags, 0x5C0004u);  // compound, value, id, info, decomposed
     EXPECT_EQ(root->objectId, 0);
-    ASSERT_EQ(childCount(root), 7);
+    ASSERT_EQ(childCount(root), itemProperties);
 
     EXPECT_EQ(kindFlags(child(root, u"number")), 0x18u);
     EXPECT_EQ(kindFlags(child(root, u"second")), 0x28u);    // null pointer
     EXPECT_EQ(kindFlags(child(root, u"embedded")), 0x28u);  // an object value without an object
+    EXPECT_EQ(kindFlags(child(child(root, u"link"), u"ptr")), 0x28u);  // an empty shared pointer
     const Node* values_ = child(root, u"values");
     EXPECT_EQ(kindFlags(values_), 0x1u);  // terminal: the whole array is the value, no children
     EXPECT_EQ(values_->numItems, 3);
@@ -77,7 +78,7 @@ TEST_F(DecomposeTest, SharedObjectMetTwiceIsDefinedOnceThenReferenced) {
     const Node* second = child(root, u"second");
     EXPECT_EQ(first->flags & reference, 0x80000u);
     EXPECT_EQ(first->objectId, 1);
-    EXPECT_EQ(childCount(first), 7);
+    EXPECT_EQ(childCount(first), itemProperties);
     EXPECT_EQ(second->flags & reference, reference);
     EXPECT_EQ(second->objectId, 1);
     EXPECT_EQ(second->firstChild, nullptr);
@@ -100,7 +101,7 @@ TEST_F(DecomposeTest, ObjectHeldByValueIsExpandedAgainWithoutId) {
     EXPECT_EQ(first->objectId, 1);
     EXPECT_EQ(embedded->flags & reference, 0u);
     EXPECT_EQ(embedded->objectId, -1);
-    EXPECT_EQ(childCount(embedded), 7);
+    EXPECT_EQ(childCount(embedded), itemProperties);
 
     // Met first by value, the object is its definition and gets the id;
     // a pointer to it afterwards is a reference.
@@ -123,7 +124,7 @@ TEST_F(DecomposeTest, ArrayItemsNeverGetIds) {
     ASSERT_EQ(kstd_persistentPropertyNode_resetDecomposeProperty(node, &property, 1), 0);
     EXPECT_EQ(node->flags & (reference | kstd_persistentPropertyNodeFlag_arrayItem), 0x100u);
     EXPECT_EQ(node->objectId, -1);
-    EXPECT_EQ(childCount(node), 7);
+    EXPECT_EQ(childCount(node), itemProperties);
     EXPECT_EQ(tree->objectPointers.base.size, 0);
     // Decomposing again replaces the subtree; ids continue from the registry.
     ASSERT_EQ(kstd_persistentPropertyNode_resetDecomposeProperty(node, &property, 0), 0);
@@ -133,20 +134,28 @@ TEST_F(DecomposeTest, ArrayItemsNeverGetIds) {
     EXPECT_EQ(liveNodes(&tree), 1);
 }
 
-TEST_F(DecomposeTest, CycleEndsAtAReferenceLeaf) {
+TEST_F(DecomposeTest, CycleThroughSharedPointersEndsAtAReferenceLeaf) {
     Item a, b;
-    a.first = &b;
-    b.first = &a;
+    ASSERT_EQ(kstd_ptrh_assignShared(&a.link, &b.header), 0);
+    ASSERT_EQ(kstd_ptrh_assignShared(&b.link, &a.header), 0);
     b.second = &b;
     const Node* root = decompose(&a);
-    const Node* nodeB = child(root, u"first");
+    // A shared pointer is a compound whose one child "ptr" carries the identity.
+    const Node* link = child(root, u"link");
+    EXPECT_EQ(kindFlags(link), 0x4u);
+    EXPECT_EQ(link->objectId, -1);
+    ASSERT_EQ(childCount(link), 1);
+    const Node* nodeB = child(link, u"ptr");
     EXPECT_EQ(nodeB->objectId, 1);
-    const Node* backToA = child(nodeB, u"first");
-    const Node* backToB = child(nodeB, u"second");
+    EXPECT_EQ(nodeB->flags & reference, 0x80000u);
+    const Node* backToA = child(child(nodeB, u"link"), u"ptr");
     EXPECT_EQ(backToA->flags & reference, reference);
     EXPECT_EQ(backToA->objectId, 0);
-    EXPECT_EQ(backToB->objectId, 1);
-    EXPECT_EQ(backToB->flags & reference, reference);
+    EXPECT_EQ(child(nodeB, u"second")->objectId, 1);
+    EXPECT_EQ(child(nodeB, u"second")->flags & reference, reference);
+    ASSERT_EQ(kstd_persistentPropertyTree_reset(&tree), 0);
+    kstd_ptrh_reset(&a.link);
+    kstd_ptrh_reset(&b.link);
 }
 
 TEST_F(DecomposeTest, LongChainsDecomposeAndFreeWithOneBag) {
@@ -166,7 +175,7 @@ TEST_F(DecomposeTest, LongChainsDecomposeAndFreeWithOneBag) {
     EXPECT_EQ(node->flags & reference, reference);
     EXPECT_EQ(node->objectId, 0);
     EXPECT_EQ(tree->bagSet.numBags, 1);
-    EXPECT_EQ(liveNodes(&tree), int64_t{count} * 8 + 1);
+    EXPECT_EQ(liveNodes(&tree), int64_t{count} * 10 + 1);
     ASSERT_EQ(kstd_persistentPropertyTree_reset(&tree), 0);
     EXPECT_EQ(liveNodes(&tree), 0);
     EXPECT_EQ(tree->objectPointers.base.size, 0);
@@ -182,7 +191,7 @@ TEST_F(DecomposeTest, FailuresLeaveTheNodesBuiltSoFar) {
     pointTo(property, u"root", &item);
     EXPECT_EQ(kstd_persistentPropertyTree_resetDecomposeProperty(&tree, &property), ksys_result_outOfMemory);
     EXPECT_EQ(liveNodes(&tree), 10);
-    EXPECT_EQ(childCount(tree->firstChild), 7);
+    EXPECT_EQ(childCount(tree->firstChild), itemProperties);
     EXPECT_EQ(tree->firstChild->flags & kstd_persistentPropertyNodeFlag_decomposed, 0u);
     EXPECT_EQ(tree->bagSet.isAvailable[0], 1);  // the bag went back
     tree->nodeAllocator.maxBlocks = kstd_persistentPropertyTree_maxNodes;
