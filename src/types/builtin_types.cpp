@@ -13,6 +13,7 @@
 #include "vexpers/vector.h"
 
 #include "frame/lifecycle.hpp"
+#include "tree/compose.hpp"
 #include "types/builtin_types.hpp"
 #include "types/registry.hpp"
 
@@ -120,13 +121,22 @@ kstd_result locateItems(void* object, void** first, void** second) {
     return 0;
 }
 
-// The accessor words of "items": the member locator and the item type's
-// registration.
+// The accessor words of "items": the member locator, the member load
+// accessor and the item type's registration.
 constexpr kstd_persistentPropertyAccessors itemsAccessors(kstd_result (*locator)(void*, void**, void**),
                                                           kstd_result (*registerItemType)()) {
     kstd_persistentPropertyAccessors accessors{};
     accessors.slots.memberLocator = locator;
+    accessors.slots.memberLoadAccessor = vexpers::tree::loadVectorItems;
     accessors.slots.entryTypeRegistration = registerItemType;
+    return accessors;
+}
+
+// The accessor words of "ptr": the direct load accessor.
+template <class P>
+constexpr kstd_persistentPropertyAccessors pointerAccessors() {
+    kstd_persistentPropertyAccessors accessors{};
+    accessors.slots.directLoadAccessor = vexpers::tree::SharedPointerLoad<P>::load;
     return accessors;
 }
 
@@ -236,9 +246,8 @@ kstd_result getBuiltin(kstd_persistentType* type, uint32_t registerIfNeeded, kst
         newPointer<stem, stem##_constructEmpty, stem##_destruct>,                                         \
         newPointerClone<stem, stem##_constructEmpty, stem##_assign, stem##_destruct>,                     \
         deletePointer<stem, stem##_destruct>};                                                            \
-    /* Storing and loading the pointee belong to decomposing and composing. */                            \
     constexpr kstd_persistentPropertyInfoDefinition stem##_definitions[1]{                                \
-        {u"ptr", 2, u"void", kstd_persistentTypeDerivation_pointer, {}}};                                 \
+        {u"ptr", 2, u"void", kstd_persistentTypeDerivation_pointer, pointerAccessors<stem>()}};           \
     VEXPERS_BUILTIN_COMMON(stem)
 
 #define VEXPERS_BUILTIN_VECTOR(stem, element, item, stride)                                               \
@@ -260,7 +269,6 @@ kstd_result getBuiltin(kstd_persistentType* type, uint32_t registerIfNeeded, kst
         contiguousLayout<(stride)>,                                                                       \
         containerElement<stem, element, stem##_getNextElement>,                                           \
         assignContainerElements<stem, element, stem##_assignElements>};                                   \
-    /* Loading the items belongs to composing. */                                                         \
     constexpr kstd_persistentPropertyInfoDefinition stem##_definitions[1]{                                \
         {u"items", 2, VEXPERS_BUILTIN_TEXT(item), kstd_persistentTypeDerivation_array,                    \
          itemsAccessors(locateItems<&stem##_container>, kstd_persistentTypeRegisterType_##item)}};        \
