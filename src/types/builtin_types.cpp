@@ -9,6 +9,7 @@
 // before it publishes the flag with release order.
 #include <atomic>
 
+#include "vexpers/property.h"
 #include "vexpers/variant.h"
 #include "vexpers/vector.h"
 
@@ -81,6 +82,40 @@ kstd_result deletePointer(void** object) {
     return result;
 }
 
+// The store accessor of "ptr": one property whose descriptor has the pointee's
+// own type name (or, for an empty pointer or an untyped pointee, the pointer's
+// base type name) with
+// the pointer derivation, and whose value points at the whole shared object.
+// The property also keeps a reference to the object, so that a tree or
+// processor that records it keeps it alive.
+template <class P>
+kstd_result storePointee(const void* object, kstd_persistentProperty* property) {
+    const P* pointer = static_cast<const P*>(object);
+    const char16_t* typeName = nullptr;
+    if (pointer->shared != nullptr) VEXPERS_TRY(kstd_shared_getTypename(pointer->shared, &typeName));
+    if (typeName == nullptr) typeName = pointer->baseTypename;
+    if (typeName == nullptr || typeName[0] == 0) return kstd_persistentResult_typeNotRegistered;
+    kstd_persistentType type;
+    VEXPERS_TRY(kstd_persistentType_construct(&type));
+    VEXPERS_DEFER { kstd_persistentType_destruct(&type); };
+    VEXPERS_TRY(kstd_persistentType_resetTypeNameAndDerivation(&type, typeName, kstd_persistentTypeDerivation_pointer));
+    void* whole = nullptr;
+    if (pointer->shared != nullptr) VEXPERS_TRY(kstd_shared_getWhole(pointer->shared, &whole));
+    VEXPERS_TRY(kstd_persistentProperty_resetInfoAndValueUsingType(property, &type, u"ptr", 2, whole));
+    return kstd_ptrh_assignShared(&property->value.sharedObject, pointer->shared);
+}
+
+// The accessor words of "ptr": the store accessor and the direct load
+// accessor.
+constexpr kstd_persistentPropertyAccessors pointeeAccessors(
+    kstd_result (*store)(const void*, kstd_persistentProperty*),
+    kstd_result (*load)(void*, const kstd_persistentType*, const kstd_persistentPropertyNode*)) {
+    kstd_persistentPropertyAccessors accessors{};
+    accessors.slots.storeAccessor = store;
+    accessors.slots.directLoadAccessor = load;
+    return accessors;
+}
+
 // ---- Vectors: the container operations --------------------------------------------
 
 template <class V, kstd_result (*F)(V*, int64_t)>
@@ -132,13 +167,6 @@ constexpr kstd_persistentPropertyAccessors itemsAccessors(kstd_result (*locator)
     return accessors;
 }
 
-// The accessor words of "ptr": the direct load accessor.
-template <class P>
-constexpr kstd_persistentPropertyAccessors pointerAccessors() {
-    kstd_persistentPropertyAccessors accessors{};
-    accessors.slots.directLoadAccessor = vexpers::tree::SharedPointerLoad<P>::load;
-    return accessors;
-}
 
 // ---- Value access -------------------------------------------------------------------
 
@@ -247,7 +275,8 @@ kstd_result getBuiltin(kstd_persistentType* type, uint32_t registerIfNeeded, kst
         newPointerClone<stem, stem##_constructEmpty, stem##_assign, stem##_destruct>,                     \
         deletePointer<stem, stem##_destruct>};                                                            \
     constexpr kstd_persistentPropertyInfoDefinition stem##_definitions[1]{                                \
-        {u"ptr", 2, u"void", kstd_persistentTypeDerivation_pointer, pointerAccessors<stem>()}};           \
+        {u"ptr", 2, u"void", kstd_persistentTypeDerivation_pointer,                                       \
+         pointeeAccessors(storePointee<stem>, vexpers::tree::SharedPointerLoad<stem>::load)}};            \
     VEXPERS_BUILTIN_COMMON(stem)
 
 #define VEXPERS_BUILTIN_VECTOR(stem, element, item, stride)                                               \
