@@ -70,6 +70,12 @@ kstd_result destroySharedNode(kstd_shared* shared) {
     return nodeDelete(&whole);
 }
 constexpr kstd_sharedCustom nodeCounting{destroySharedNode, nullptr, nullptr};
+kstd_result nodeSharedName(const kstd_shared*, const char16_t** name) {
+    *name = u"RtNode";
+    return 0;
+}
+// Shared pointers name their pointee's type by the shared object's name.
+constexpr kstd_sharedTyped nodeTyped{kstd_shared_queryInterfaceByTypenameFinal, nodeSharedName};
 
 kstd_result nodeSize(uint32_t* size) {
     *size = sizeof(Node);
@@ -83,16 +89,17 @@ kstd_result nodeConstruct(void* object) {
     RT_TRY(ksys_memory_alloc_internal(4 * sizeof(Item), &items));
     node->items.items = static_cast<Item*>(items);
     std::memset(items, 0, 4 * sizeof(Item));
-    RT_TRY(kstd_shared_initCustom(&node->header, node, &nodeCounting));
+    RT_TRY(kstd_shared_initCustomTyped(&node->header, node, &nodeCounting, &nodeTyped));
     RT_TRY(kstd_unicodeString_construct(&node->name));
 #define RT_CONSTRUCT(field, vector, element) RT_TRY(vector##_construct(&node->field));
     RT_SCALAR_VECTORS(RT_CONSTRUCT)
 #undef RT_CONSTRUCT
     RT_TRY(kstd_vector_kstd_unicodeString_construct(&node->vstr));
-    RT_TRY(kstd_ptrh_constructEmpty(&node->next));
-    RT_TRY(kstd_ptrh_constructEmpty(&node->other));
-    RT_TRY(kstd_ptrhConst_constructEmpty(&node->view));
-    for (int i = 0; i < 4; ++i) RT_TRY(kstd_ptrh_constructEmpty(&node->items.items[i].link));
+    // An empty pointer still names the type it points at.
+    RT_TRY(kstd_ptrh_constructBaseTypename(&node->next, nullptr, u"RtNode"));
+    RT_TRY(kstd_ptrh_constructBaseTypename(&node->other, nullptr, u"RtNode"));
+    RT_TRY(kstd_ptrhConst_constructBaseTypename(&node->view, nullptr, u"RtNode"));
+    for (int i = 0; i < 4; ++i) RT_TRY(kstd_ptrh_constructBaseTypename(&node->items.items[i].link, nullptr, u"RtNode"));
     ++live;
     return 0;
 }
@@ -240,11 +247,21 @@ constexpr kstd_persistentObjectVtable plainObjects{sizeOf<T>, zero<T>, copy<T>, 
 
 kstd_result itemConstruct(void* object) {
     zero<Item>(object);
-    return kstd_ptrh_constructEmpty(&static_cast<Item*>(object)->link);
+    return kstd_ptrh_constructBaseTypename(&static_cast<Item*>(object)->link, nullptr, u"RtNode");
 }
 kstd_result itemDestruct(void* object) { return kstd_ptrh_destruct(&static_cast<Item*>(object)->link); }
-constexpr kstd_persistentObjectVtable itemObjects{sizeOf<Item>, itemConstruct, notOffered, notOffered, itemDestruct,
-                                                  notOffered,   nullptr,       nullptr,    nullptr};
+kstd_result itemDelete(void** object) {
+    if (*object == nullptr) return 0;
+    RT_TRY(itemDestruct(*object));
+    return ksys_memory_free_internal(object);
+}
+kstd_result itemNew(void** object) {
+    RT_TRY(itemDelete(object));
+    RT_TRY(ksys_memory_alloc_internal(sizeof(Item), object));
+    return itemConstruct(*object);
+}
+constexpr kstd_persistentObjectVtable itemObjects{sizeOf<Item>, itemConstruct, notOffered,      notOffered, itemDestruct,
+                                                  notOffered,   itemNew,       notOfferedClone, itemDelete};
 
 kstd_result linkDelete(void** object);
 kstd_result destroySharedLink(kstd_shared* shared) {
@@ -252,11 +269,16 @@ kstd_result destroySharedLink(kstd_shared* shared) {
     return linkDelete(&whole);
 }
 constexpr kstd_sharedCustom linkCounting{destroySharedLink, nullptr, nullptr};
+kstd_result linkSharedName(const kstd_shared*, const char16_t** name) {
+    *name = u"RtLink";
+    return 0;
+}
+constexpr kstd_sharedTyped linkTyped{kstd_shared_queryInterfaceByTypenameFinal, linkSharedName};
 kstd_result linkConstruct(void* object) {
     auto* link = static_cast<Link*>(object);
     std::memset(link, 0, sizeof(Link));
-    RT_TRY(kstd_shared_initCustom(&link->header, link, &linkCounting));
-    RT_TRY(kstd_ptrh_constructEmpty(&link->next));
+    RT_TRY(kstd_shared_initCustomTyped(&link->header, link, &linkCounting, &linkTyped));
+    RT_TRY(kstd_ptrh_constructBaseTypename(&link->next, nullptr, u"RtLink"));
     ++live;
     return 0;
 }
@@ -469,6 +491,10 @@ Record recordOf(const kstd_persistentPropertyNode* node, uint32_t sectionType) {
     Record record;
     record.sectionType = sectionType;
     record.flags = node->flags;
+    // A reference leaf keeps the compound bit its node had before it became
+    // a reference; a leaf section is written without it.
+    if ((record.flags & kstd_persistentPropertyNodeFlag_leaf) != 0)
+        record.flags &= ~kstd_persistentPropertyNodeFlag_compound;
     record.name = textOf(node->info.name);
     record.typeName = typeNameOf(node->info.type, &record.derivation);
     record.access = node->info.dataAccess;
