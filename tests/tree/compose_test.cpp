@@ -197,6 +197,11 @@ void untrustedTreesFailWithCodesAndLeakNothing() {
         kstd_persistentVariant_construct(&recorded);
         EXPECT_EQ(kstd_persistentPropertyTree_getObjectById(&c.tree.t, 0, &recorded), kstd_persistentResult_objectIdNotFound);
         kstd_persistentVariant_destruct(&recorded);
+        // The same with a core type that can be created (a string).
+        Composition text({start(u"root", u"RtNode"), start(u"next", u"kstd_ptrh"), define(u"kstd_unicodeString", 0),
+                          end(), end(), end()});
+        ASSERT_EQ(text.built, 0);
+        EXPECT_EQ(text.compose(), kstd_persistentResult_typeMismatch);
     }
     {
         // Vector items of another core type, and a single value where items belong.
