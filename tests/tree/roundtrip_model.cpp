@@ -313,6 +313,15 @@ constexpr kstd_typeDescriptorMinimalVtable linkMinimal{sharedHeader<Link>, linkT
 
 constexpr kstd_persistentValueAccessVtable emptyAccess{};
 
+std::vector<AfterLoad> afterLoads;
+kstd_result linkLoaded(void* object) {
+    const Link* link = static_cast<const Link*>(object);
+    afterLoads.push_back(AfterLoad{link->value, link->next.shared != nullptr});
+    return 0;
+}
+constexpr kstd_persistentValueAccessVtable linkAccess{nullptr, nullptr, nullptr, nullptr,   nullptr,
+                                                      nullptr, nullptr, linkLoaded, nullptr};
+
 // ---- Declared properties ----------------------------------------------------------------
 
 struct Registered {
@@ -407,7 +416,7 @@ Types registerModule() {
     EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtPlain", &plainObjects<Plain>, &emptyAccess, &plainProperties,
                                                     0, &registered.plainFlag, &registered.plain),
               0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtLink", &linkObjects, &emptyAccess, &linkProperties,
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtLink", &linkObjects, &linkAccess, &linkProperties,
                                                            &linkMinimal, 0, &registered.linkFlag, &registered.link),
               0);
     EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtNode", &nodeObjects, &emptyAccess, &nodeProperties,
@@ -641,6 +650,7 @@ Link* linkOf(const kstd_ptrh& pointer) {
     return pointer.shared != nullptr ? static_cast<Link*>(pointer.shared->whole) : nullptr;
 }
 int64_t liveObjects() { return live.load(); }
+std::vector<AfterLoad>& linkAfterLoads() { return afterLoads; }
 
 void unlinkNode(Node* node) {
     kstd_ptrh_reset(&node->next);

@@ -113,6 +113,13 @@ Node* nodeOf(const kstd_ptrh& pointer);
 Link* linkOf(const kstd_ptrh& pointer);
 // Number of Node and Link objects alive.
 int64_t liveObjects();
+// The after-load calls of links since the last clear: the link's value and
+// whether its next pointer was set by then.
+struct AfterLoad {
+    int32_t value;
+    bool hasNext;
+};
+std::vector<AfterLoad>& linkAfterLoads();
 
 // Drops every pointer a node holds (links of its items included), so that
 // cycles can be released.
