@@ -93,7 +93,16 @@ struct Plain {
     int32_t value;
 };
 
+// A type without declared properties, loaded whole by its value access
+// table's load entry: "count" from a leaf, "box" through the box's type.
+struct Counter {
+    int64_t count;
+    Box box;
+};
+
 struct Types {
+    const kstd_persistentType* counter;
+    const kstd_persistentType* bare;  // no declared properties, no load entry
     const kstd_persistentType* node;
     const kstd_persistentType* link;
     const kstd_persistentType* plain;
