@@ -127,6 +127,8 @@ struct kstd_persistentPropertyTree {
 };
 
 typedef struct kstd_persistentPropertyProcessor {
+    /** The bag of each depth, bagCount entries (null until a walk needs
+     *  one); the block has room for bagCount rounded up to a power of two. */
     kstd_persistentPropertyBag** bags;
     int32_t bagCount;
     kstd_vector_kstd_persistentVariant sharedObjects;
@@ -173,7 +175,9 @@ typedef kstd_result (*kstd_persistentPropertyNodeVisitor)(void* context, int32_t
  * leaf kind bit, a kind bit without the leaf bit, a leaf bit without a kind
  * where no value is taken (a section that gives its value may leave the kind
  * to it, as setLeafPropertyValue does), both array kinds, an item count below
- * 0 or an id below -1.
+ * 0 or an id below -1, compound together with an array bit or with a leaf
+ * bit other than a reference leaf's (decomposition marks an object compound
+ * before it finds the object met already).
  */
 VEXPERS_API kstd_result kstd_persistentPropertyNode_startNode(kstd_persistentPropertyNode* node,
                                                               const kstd_persistentPropertyNodeSection* section);
@@ -510,12 +514,43 @@ VEXPERS_API void ksys_typeCheckFuncPtr_kstd_persistentPropertyProcessor(
     kstd_result (*function)(kstd_persistentPropertyProcessor**));
 
 /*
- * Walks. processProperty and processPropertyBag walk a property or a bag
- * depth first through bags (events 0 to 3), reporting each shared object in
- * full once and by its index afterwards. processPropertyTree walks every
- * top-level node of a tree, processPropertyNode one node (events 4 to 7),
- * expanding arrays of other items item by item. The first failure (of the
- * visitor or the library) ends the walk and is returned.
+ * Walks. A null processor, value, bag, tree or visitor is a precondition
+ * fault. The result is that of the last visitor call when the walk
+ * succeeds, else the first failure (of the visitor or of the library), after
+ * which nothing further is called.
+ *
+ * processProperty empties the bag of depth 0 and adds `property` to it;
+ * processPropertyBag makes that bag a copy of `bag`. Then the bag walk: for
+ * the bag of depth d, event 0 (property null, index -1, count the bag's
+ * size); for each property, event 2 with its index, the bag's size, its
+ * identity and whether it is a leaf; a property that is not a leaf and not a
+ * shared object met before is expanded into the bag of depth d + 1 (its
+ * object's persistent properties; a non-empty array fails with 0x800040CA)
+ * and walked at d + 1; then event 3 as event 2; finally event 1 (index and
+ * count the bag's size). Identity: a shareable object (a non-null pointer,
+ * or an object whose type is always shareable or answers "kstd_shared")
+ * gets isShared 1 and objectIndex, its position in `sharedObjects` by first
+ * meeting; isNew is 1 when it was appended now. An object held by value is
+ * appended (and expanded) every time; a pointer to an object first met by
+ * value finds that entry. `sharedObjects` keeps its objects alive until
+ * reset, so a second walk on the same processor reports them as met. The
+ * processor keeps one bag per depth, reused by every walk.
+ *
+ * processPropertyTree walks each top-level node of `tree`;
+ * processPropertyNode walks `node` at `depth` (below 0: precondition
+ * fault): a leaf gives event 5, an array of core items event 6; any other
+ * node event 4, then its children at depth + 1 (none: 0x800040D9), then
+ * event 7. A decomposed array of other items is expanded instead: its
+ * container is read (no container 0x800040CC, an incomplete container table
+ * 0x800040C1, a negative count 0x800040D7, a missing element 0x800040D8), an
+ * empty one gives event 5 for the array's node, and each item is decomposed
+ * as an array item named "i" into one temporary node of the tree (objects
+ * met inside get ids in the tree as in decomposition) and walked at
+ * depth + 1.
+ *
+ * Both walks keep their levels on work stacks, so values nested as deep as
+ * memory allows are walked on any thread's stack; running out of memory
+ * fails with ksys_result_outOfMemory.
  */
 VEXPERS_API kstd_result kstd_persistentPropertyProcessor_processProperty(kstd_persistentPropertyProcessor* processor,
                                                                          const kstd_persistentProperty* property,
@@ -533,7 +568,8 @@ VEXPERS_API kstd_result kstd_persistentPropertyProcessor_processPropertyNode(
 
 /* ---- Composing: per-vector load functions ----------------------------------------------- */
 
-/* Each checks its three pointers and calls kstd_persistentType_loadPropertyNode(type, object, node). */
+/* Each checks its three pointers (precondition faults) and returns
+ * kstd_persistentType_loadPropertyNode(type, object, node). */
 VEXPERS_API kstd_result kstd_vector8s_loadPropertyNode(kstd_vector8s* object, const kstd_persistentType* type,
                                              const kstd_persistentPropertyNode* node);
 VEXPERS_API kstd_result kstd_vector8_loadPropertyNode(kstd_vector8* object, const kstd_persistentType* type,

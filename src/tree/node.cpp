@@ -14,13 +14,20 @@ bool isEmptyName(const char16_t* name) { return name == nullptr || name[0] == 0;
 // at most one leaf kind bit, and only with the leaf bit; a leaf bit with a
 // kind bit unless the node takes its value from the section (which adds the
 // kind, as a section made with setLeafPropertyValue expects); at most one
-// array kind.
+// array kind; compound never with an array bit, and with a leaf bit only for
+// a reference leaf (decomposition marks an object compound before it finds
+// that the object was met already, and flags are only ever added).
 bool isWellFormed(uint32_t flags, bool takesValue) {
     if ((flags & ~flag::known) != 0) return false;
     const int kinds = std::popcount(flags & flag::leafKindBits);
     if (kinds > 1 || (kinds == 1 && (flags & flag::leaf) == 0)) return false;
     if ((flags & flag::leaf) != 0 && kinds == 0 && !takesValue) return false;
-    return !allSet(flags, flag::arrayCore | flag::arrayOther);
+    if (allSet(flags, flag::arrayCore | flag::arrayOther)) return false;
+    if ((flags & flag::compound) != 0) {
+        if ((flags & (flag::arrayCore | flag::arrayOther)) != 0) return false;
+        if ((flags & flag::leaf) != 0 && !allSet(flags, flag::reference)) return false;
+    }
+    return true;
 }
 
 kstd_result startFromSection(Node* node, const Section* section) {
