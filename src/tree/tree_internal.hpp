@@ -1,11 +1,12 @@
 // What the node, section, tree and decomposition code share: the flag word's
 // masks, node allocation and linking, setting a node's value from a property,
-// freeing subtrees without recursion, and a growable work stack.
+// freeing subtrees without recursion.
 #pragma once
 
 #include <cstdint>
 
 #include "frame/frame.hpp"
+#include "tree/work_stack.hpp"
 #include "vexpers/tree.h"
 
 namespace vexpers::tree {
@@ -86,37 +87,19 @@ kstd_result freeSubtree(Node* node);
 // Detaches the children of `node` and frees them with their subtrees.
 kstd_result freeChildren(Node* node);
 
-// A stack of trivially copyable items in memory of the memory service.
-template <class T>
-class WorkStack {
-public:
-    WorkStack() = default;
-    WorkStack(const WorkStack&) = delete;
-    WorkStack& operator=(const WorkStack&) = delete;
-    ~WorkStack() {
-        void* memory = items_;
-        ksys_memory_free_internal(&memory);
-    }
+// Whether a value is a shareable object, the kind that gets an id when it is
+// first met and is referred to afterwards: a non-null pointer, or an object
+// (not an array) whose type calls it shareable; in either case the value
+// must yield a whole-object pointer (*whole, optional: the whole shared object
+// the variant keeps alive, else the object itself; null when not shareable).
+// The processor's bag walk decides the same way. Failing type queries are
+// returned.
+kstd_result isShareableValue(const kstd_persistentVariant* value, bool* shareable, const void** whole);
 
-    kstd_result push(const T& item) {
-        if (size_ == capacity_) {
-            const int64_t capacity = capacity_ < 64 ? 64 : capacity_ * 2;
-            void* memory = items_;
-            VEXPERS_TRY(ksys_memory_realloc64_internal(capacity * int64_t(sizeof(T)), &memory));
-            items_ = static_cast<T*>(memory);
-            capacity_ = capacity;
-        }
-        items_[size_++] = item;
-        return 0;
-    }
-    bool empty() const { return size_ == 0; }
-    T& top() { return items_[size_ - 1]; }
-    void pop() { --size_; }
-
-private:
-    T* items_ = nullptr;
-    int64_t size_ = 0;
-    int64_t capacity_ = 0;
-};
+// The bags of a bag set keep the properties of their last fill as spare
+// slots, and with them shares of the objects they held. Drops those values in
+// every bag not lent out, so that a tree keeps objects alive only through its
+// nodes and its registry. The first failure is returned after all.
+kstd_result releaseBagValues(kstd_persistentPropertyBagSet* set);
 
 }  // namespace vexpers::tree
