@@ -17,5 +17,6 @@
 #include "vexpers/variant.h"
 #include "vexpers/propertyinfo.h"
 #include "vexpers/property.h"
+#include "vexpers/tree.h"
 
 #endif /* VEXPERS_VEXPERS_H */

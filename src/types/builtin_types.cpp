@@ -14,6 +14,7 @@
 #include "vexpers/vector.h"
 
 #include "frame/lifecycle.hpp"
+#include "tree/compose.hpp"
 #include "types/builtin_types.hpp"
 #include "types/registry.hpp"
 
@@ -83,10 +84,10 @@ kstd_result deletePointer(void** object) {
 
 // The store accessor of "ptr": one property whose descriptor has the pointee's
 // own type name (or, for an empty pointer or an untyped pointee, the pointer's
-// base type name) with
-// the pointer derivation, and whose value points at the whole shared object.
-// The property also keeps a reference to the object, so that a tree or
-// processor that records it keeps it alive.
+// base type name) with the pointer derivation, and whose value points at the
+// whole shared object. The value borrows the object, like every object a
+// decomposition meets: a property kept for reuse in a bag's spare slot must
+// not keep the caller's object alive.
 template <class P>
 kstd_result storePointee(const void* object, kstd_persistentProperty* property) {
     const P* pointer = static_cast<const P*>(object);
@@ -100,13 +101,17 @@ kstd_result storePointee(const void* object, kstd_persistentProperty* property) 
     VEXPERS_TRY(kstd_persistentType_resetTypeNameAndDerivation(&type, typeName, kstd_persistentTypeDerivation_pointer));
     void* whole = nullptr;
     if (pointer->shared != nullptr) VEXPERS_TRY(kstd_shared_getWhole(pointer->shared, &whole));
-    VEXPERS_TRY(kstd_persistentProperty_resetInfoAndValueUsingType(property, &type, u"ptr", 2, whole));
-    return kstd_ptrh_assignShared(&property->value.sharedObject, pointer->shared);
+    return kstd_persistentProperty_resetInfoAndValueUsingType(property, &type, u"ptr", 2, whole);
 }
 
-constexpr kstd_persistentPropertyAccessors pointeeAccessors(kstd_result (*store)(const void*, kstd_persistentProperty*)) {
+// The accessor words of "ptr": the store accessor and the direct load
+// accessor.
+constexpr kstd_persistentPropertyAccessors pointeeAccessors(
+    kstd_result (*store)(const void*, kstd_persistentProperty*),
+    kstd_result (*load)(void*, const kstd_persistentType*, const kstd_persistentPropertyNode*)) {
     kstd_persistentPropertyAccessors accessors{};
     accessors.slots.storeAccessor = store;
+    accessors.slots.directLoadAccessor = load;
     return accessors;
 }
 
@@ -150,15 +155,17 @@ kstd_result locateItems(void* object, void** first, void** second) {
     return 0;
 }
 
-// The accessor words of "items": the member locator and the item type's
-// registration.
+// The accessor words of "items": the member locator, the member load
+// accessor and the item type's registration.
 constexpr kstd_persistentPropertyAccessors itemsAccessors(kstd_result (*locator)(void*, void**, void**),
                                                           kstd_result (*registerItemType)()) {
     kstd_persistentPropertyAccessors accessors{};
     accessors.slots.memberLocator = locator;
+    accessors.slots.memberLoadAccessor = vexpers::tree::loadVectorItems;
     accessors.slots.entryTypeRegistration = registerItemType;
     return accessors;
 }
+
 
 // ---- Value access -------------------------------------------------------------------
 
@@ -268,7 +275,7 @@ kstd_result getBuiltin(kstd_persistentType* type, uint32_t registerIfNeeded, kst
         deletePointer<stem, stem##_destruct>};                                                            \
     constexpr kstd_persistentPropertyInfoDefinition stem##_definitions[1]{                                \
         {u"ptr", 2, u"void", kstd_persistentTypeDerivation_pointer,                                       \
-         pointeeAccessors(storePointee<stem>)}};                                             \
+         pointeeAccessors(storePointee<stem>, vexpers::tree::SharedPointerLoad<stem>::load)}};            \
     VEXPERS_BUILTIN_COMMON(stem)
 
 #define VEXPERS_BUILTIN_VECTOR(stem, element, item, stride)                                               \
@@ -290,7 +297,6 @@ kstd_result getBuiltin(kstd_persistentType* type, uint32_t registerIfNeeded, kst
         contiguousLayout<(stride)>,                                                                       \
         containerElement<stem, element, stem##_getNextElement>,                                           \
         assignContainerElements<stem, element, stem##_assignElements>};                                   \
-    /* Loading the items belongs to composing. */                                                         \
     constexpr kstd_persistentPropertyInfoDefinition stem##_definitions[1]{                                \
         {u"items", 2, VEXPERS_BUILTIN_TEXT(item), kstd_persistentTypeDerivation_array,                    \
          itemsAccessors(locateItems<&stem##_container>, kstd_persistentTypeRegisterType_##item)}};        \
