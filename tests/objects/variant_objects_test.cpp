@@ -1,188 +1,161 @@
-#include "objects/test_module.hpp"
+#include "support/test_module.hpp"
 
 namespace {
 
 using namespace vexpers::test;
 
-constexpr kstd_result D6 = kstd_persistentResult_wrongTypeKind;
-
 class VariantObjects : public testing::Test {
 protected:
     void SetUp() override {
         startModule();
-        resetWidgetCalls();
+        widgetCalls = {};
+        ASSERT_EQ(kstd_persistentType_assignDifferentDerivation(widgets, types.widget, 2), 0);
+        ASSERT_EQ(kstd_persistentType_resetTypeNameAndDerivation(doubles, u"double", 2), 0);
     }
     const ModuleTypes& types = moduleTypes();
+    Type widgets, doubles;  // arrays of each
 };
 
-TEST_F(VariantObjects, NewSharedObjectLivesWithTheLastCopy) {
+TEST_F(VariantObjects, NewObjectsLiveWithTheLastCopyOrBelongToTheCaller) {
     LiveBlockCheck leaks;
     {
-        VariantBox first;
-        ASSERT_EQ(kstd_persistentVariant_resetNewObject(&first.v, types.widget), 0);
-        auto* widget = static_cast<Widget*>(first.v.value.pointer);
+        Variant first, second;
+        ASSERT_EQ(kstd_persistentVariant_resetNewObject(first, types.widget), 0);
+        auto* widget = static_cast<Widget*>(first->value.pointer);
         ASSERT_NE(widget, nullptr);
-        EXPECT_EQ(first.v.isBorrowed, 0u);
-        kstd_shared* shared = nullptr;
-        EXPECT_EQ(kstd_persistentVariant_getShared(&first.v, &shared), 0);
-        EXPECT_EQ(shared, &widget->header);
+        EXPECT_EQ(first->isBorrowed, 0u);
+        EXPECT_EQ(outOf<kstd_shared*>(0, kstd_persistentVariant_getShared, first), &widget->header);
 
-        VariantBox second;
-        ASSERT_EQ(kstd_persistentVariant_assign(&second.v, &first.v), 0);
-        ASSERT_EQ(kstd_persistentVariant_reset(&first.v), 0);
-        EXPECT_EQ(widgetCalls().destructed, 0);
-        EXPECT_EQ(second.v.value.pointer, widget);
-        ASSERT_EQ(kstd_persistentVariant_setValue_int(&second.v, 1), 0);  // any set lets go
-        EXPECT_EQ(widgetCalls().destructed, 1);
+        ASSERT_EQ(kstd_persistentVariant_assign(second, first), 0);
+        ASSERT_EQ(kstd_persistentVariant_reset(first), 0);
+        EXPECT_EQ(widgetCalls.destructed, 0);
+        EXPECT_EQ(second->value.pointer, widget);
+        ASSERT_EQ(kstd_persistentVariant_setValue_int(second, 1), 0);  // any set lets go
+        EXPECT_EQ(widgetCalls.destructed, 1);
 
         // A failing creation leaves the type and no value.
-        widgetCalls().failConstructAt = widgetCalls().constructAttempts;
-        EXPECT_EQ(kstd_persistentVariant_resetNewObject(&first.v, types.widget), injectedFailure);
-        EXPECT_EQ(first.v.value.pointer, nullptr);
-        EXPECT_EQ(typeName(first.v.type), u"TestWidget");
+        widgetCalls.failConstructAt = widgetCalls.constructAttempts;
+        EXPECT_EQ(kstd_persistentVariant_resetNewObject(first, types.widget), injectedFailure);
+        EXPECT_EQ(first->value.pointer, nullptr);
+        EXPECT_EQ(nameOf(first->type), u"TestWidget");
     }
     EXPECT_EQ(leaks.leaked(), 0);
-}
 
-TEST_F(VariantObjects, NewObjectWithoutASharedInterfaceBelongsToTheCaller) {
-    LiveBlockCheck leaks;
-    Handle vectord;
-    ASSERT_EQ(kstd_persistentTypeGetType_kstd_vectord(&vectord.t, 1), 0);
-    VariantBox variant;
-    ASSERT_EQ(kstd_persistentVariant_resetNewObject(&variant.v, &vectord.t), 0);
-    void* object = variant.v.value.pointer;
+    // An object without a shared interface belongs to the caller.
+    Type vectord, core;
+    Variant variant;
+    ASSERT_EQ(kstd_persistentTypeGetType_kstd_vectord(vectord, 1), 0);
+    ASSERT_EQ(kstd_persistentVariant_resetNewObject(variant, vectord), 0);
+    void* object = variant->value.pointer;
     ASSERT_NE(object, nullptr);
-    kstd_shared* shared = reinterpret_cast<kstd_shared*>(1);
-    EXPECT_EQ(kstd_persistentVariant_getShared(&variant.v, &shared), 0);
-    EXPECT_EQ(shared, nullptr);
-    ASSERT_EQ(kstd_persistentVariant_reset(&variant.v), 0);
+    EXPECT_EQ(outOf<kstd_shared*>(0, kstd_persistentVariant_getShared, variant), nullptr);
+    ASSERT_EQ(kstd_persistentVariant_reset(variant), 0);
     EXPECT_EQ(leaks.leaked(), 1);
-    EXPECT_EQ(kstd_persistentType_deleteObject(&vectord.t, &object), 0);
+    EXPECT_EQ(kstd_persistentType_deleteObject(vectord, &object), 0);
     EXPECT_EQ(leaks.leaked(), 0);
 
-    // Types that make no objects.
-    Handle core;
-    ASSERT_EQ(kstd_persistentType_resetTypeName(&core.t, u"int"), 0);
-    EXPECT_EQ(kstd_persistentVariant_resetNewObject(&variant.v, &core.t), kstd_persistentResult_operationMissing);
-    ASSERT_EQ(kstd_persistentVariant_setValue_int(&variant.v, 1), 0);
-    EXPECT_EQ(kstd_persistentVariant_getShared(&variant.v, &shared), D6);
-    ASSERT_EQ(kstd_persistentVariant_reset(&variant.v), 0);
-    EXPECT_EQ(kstd_persistentVariant_getShared(&variant.v, &shared), kstd_persistentResult_typeEmpty);
+    // Types that make no objects; values that are no objects.
+    ASSERT_EQ(kstd_persistentType_resetTypeName(core, u"int"), 0);
+    EXPECT_EQ(kstd_persistentVariant_resetNewObject(variant, core), C1);
+    ASSERT_EQ(kstd_persistentVariant_setValue_int(variant, 1), 0);
+    EXPECT_EQ(outOf<kstd_shared*>(D6, kstd_persistentVariant_getShared, variant), nullptr);
+    ASSERT_EQ(kstd_persistentVariant_reset(variant), 0);
+    EXPECT_EQ(outOf<kstd_shared*>(Empty, kstd_persistentVariant_getShared, variant), nullptr);
 }
 
 TEST_F(VariantObjects, AllocatedArrayLivesWithTheLastCopy) {
     LiveBlockCheck leaks;
-    Handle widgets;
-    derive(widgets, types.widget, kstd_persistentTypeDerivation_array);
     {
-        VariantBox first;
+        Variant first, third;
         void* data = nullptr;
         uint32_t size = 0;
-        ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(&first.v, &widgets.t, 3, &data, &size), 0);
-        EXPECT_EQ(widgetCalls().constructed, 3);
-        EXPECT_EQ(data, first.v.value.pointer);
+        ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(first, widgets, 3, &data, &size), 0);
+        EXPECT_EQ(widgetCalls.constructed, 3);
+        EXPECT_EQ(data, first->value.pointer);
         EXPECT_EQ(size, sizeof(Widget));
-        EXPECT_EQ(first.v.arrayCount, 3);
+        EXPECT_EQ(first->arrayCount, 3);
         ASSERT_EQ(kstd_vector32s_pushBack(&static_cast<Widget*>(data)[1].values, 8), 0);
 
         kstd_persistentVariant second;
-        ASSERT_EQ(kstd_persistentVariant_constructCopy(&second, &first.v), 0);
-        ASSERT_EQ(kstd_persistentVariant_reset(&first.v), 0);
-        EXPECT_EQ(widgetCalls().destructed, 0);
-        intptr_t items = 0;
-        kstd_vector32s_getSizeIntPtr(&static_cast<Widget*>(second.value.pointer)[1].values, &items);
-        EXPECT_EQ(items, 1);
-        VariantBox third;
-        ASSERT_EQ(kstd_persistentVariant_assign(&third.v, &second), 0);
+        ASSERT_EQ(kstd_persistentVariant_constructCopy(&second, first), 0);
+        ASSERT_EQ(kstd_persistentVariant_reset(first), 0);
+        EXPECT_EQ(widgetCalls.destructed, 0);
+        EXPECT_EQ(static_cast<Widget*>(second.value.pointer)[1].values.base.size, 1);
+        ASSERT_EQ(kstd_persistentVariant_assign(third, &second), 0);
         ASSERT_EQ(kstd_persistentVariant_destruct(&second), 0);
-        EXPECT_EQ(widgetCalls().destructed, 0);
-        ASSERT_EQ(kstd_persistentVariant_reset(&third.v), 0);
-        EXPECT_EQ(widgetCalls().destructed, 3);
+        EXPECT_EQ(widgetCalls.destructed, 0);
+        ASSERT_EQ(kstd_persistentVariant_reset(third), 0);
+        EXPECT_EQ(widgetCalls.destructed, 3);
     }
     EXPECT_EQ(leaks.leaked(), 0);
 }
 
 TEST_F(VariantObjects, AllocatedArrayRefusals) {
     LiveBlockCheck leaks;
-    VariantBox variant;
-    Handle doubles;
-    ASSERT_EQ(kstd_persistentType_resetTypeNameAndDerivation(&doubles.t, u"double", 2), 0);
+    Variant variant;
+    Type empty;
     void* data = &data;
     uint32_t size = 7;
 
     // Count 0 is an empty allocated array.
-    ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(&variant.v, &doubles.t, 0, &data, &size), 0);
-    EXPECT_EQ(variant.v.arrayCount, 0);
+    ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(variant, doubles, 0, &data, &size), 0);
+    EXPECT_EQ(variant->arrayCount, 0);
     EXPECT_EQ(size, 8u);
 
     // A negative count is refused before the type is looked at; a type that
     // is no array leaves the variant as it was.
-    Handle empty;
-    ASSERT_EQ(kstd_persistentVariant_setValue_int(&variant.v, 5), 0);
-    EXPECT_EQ(kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(&variant.v, &empty.t, -1, &data, &size),
-              kstd_persistentResult_invalidCount);
-    EXPECT_EQ(data, nullptr);
-    EXPECT_EQ(size, 0u);
-    EXPECT_EQ(kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(&variant.v, types.widget, 2, nullptr, nullptr),
-              D6);
-    int32_t value = 0;
-    EXPECT_EQ(kstd_persistentVariant_getValue_int(&variant.v, &value), 0);
-    EXPECT_EQ(value, 5);
+    ASSERT_EQ(kstd_persistentVariant_setValue_int(variant, 5), 0);
+    EXPECT_EQ(kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(variant, empty, -1, &data, &size), D7);
+    EXPECT_EQ(std::make_pair(data, size), std::make_pair(static_cast<void*>(nullptr), 0u));
+    EXPECT_EQ(kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(variant, types.widget, 2, nullptr, nullptr), D6);
+    EXPECT_EQ(outOf<int>(0, kstd_persistentVariant_getValue_int, variant), 5);
 
     // Elements that fail to construct leave the array type with no array.
-    Handle widgets;
-    derive(widgets, types.widget, kstd_persistentTypeDerivation_array);
-    widgetCalls().failConstructAt = 1;
-    EXPECT_EQ(kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(&variant.v, &widgets.t, 3, &data, nullptr),
+    widgetCalls.failConstructAt = 1;
+    EXPECT_EQ(kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(variant, widgets, 3, &data, nullptr),
               injectedFailure);
-    EXPECT_EQ(variant.v.value.pointer, nullptr);
-    EXPECT_EQ(variant.v.arrayCount, 0);
-    EXPECT_EQ(derivationOf(variant.v.type), 2u);
-    EXPECT_EQ(widgetCalls().destructed, 1);
-    ASSERT_EQ(kstd_persistentVariant_reset(&variant.v), 0);
+    EXPECT_EQ(variant->value.pointer, nullptr);
+    EXPECT_EQ(variant->arrayCount, 0);
+    EXPECT_EQ(derivationOf(&variant->type), 2u);
+    EXPECT_EQ(widgetCalls.destructed, 1);
+    ASSERT_EQ(kstd_persistentVariant_reset(variant), 0);
     EXPECT_EQ(leaks.leaked(), 0);
 
     sweepAllocationFailures(
-        [&] { return kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(&variant.v, &widgets.t, 4, &data, &size); },
-        [&] { kstd_persistentVariant_reset(&variant.v); });
+        [&] { return kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(variant, widgets, 4, &data, &size); },
+        [&] { kstd_persistentVariant_reset(variant); });
 }
 
 TEST_F(VariantObjects, ContainerOfAnAllocatedArray) {
-    VariantBox variant;
-    Handle doubles;
-    ASSERT_EQ(kstd_persistentType_resetTypeNameAndDerivation(&doubles.t, u"double", 2), 0);
+    Variant variant;
+    Type element;
     void* data = nullptr;
-    ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(&variant.v, &doubles.t, 4, &data, nullptr), 0);
+    ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(variant, doubles, 4, &data, nullptr), 0);
 
     void* container = &data;
     uint32_t containerValue = 9, elementSize = 0;
     void* first = nullptr;
     intptr_t count = 0;
-    const kstd_persistentContainerVtable* table = reinterpret_cast<const kstd_persistentContainerVtable*>(&data);
-    Handle element;
-    ASSERT_EQ(kstd_persistentVariant_getContainer(&variant.v, &container, &containerValue, &elementSize, &first,
-                                                  &count, &table, &element.t),
-              0);
-    EXPECT_EQ(container, nullptr);
-    EXPECT_EQ(containerValue, 0u);
-    EXPECT_EQ(elementSize, 8u);
-    EXPECT_EQ(first, data);
+    const kstd_persistentContainerVtable* table = boxOperations();
+    auto describe = [&] {
+        return kstd_persistentVariant_getContainer(variant, &container, &containerValue, &elementSize, &first, &count,
+                                                   &table, element);
+    };
+    ASSERT_EQ(describe(), 0);
+    EXPECT_EQ(std::make_pair(container, first), std::make_pair(static_cast<void*>(nullptr), data));
+    EXPECT_EQ(std::make_pair(containerValue, elementSize), std::make_pair(0u, 8u));
     EXPECT_EQ(count, 4);
     EXPECT_EQ(table, nullptr);
-    EXPECT_EQ(typeName(element.t), u"double");
-    EXPECT_EQ(derivationOf(element.t), 0u);
+    EXPECT_EQ(nameOf(element), u"double");
+    EXPECT_EQ(derivationOf(element), 0u);
 
     // An element count beyond 32 bits, and values that are no arrays.
-    variant.v.arrayCount = int64_t{1} << 32;
-    EXPECT_EQ(kstd_persistentVariant_getContainer(&variant.v, &container, &containerValue, &elementSize, &first,
-                                                  &count, &table, &element.t),
-              kstd_persistentResult_arraySizeOverflow);
-    variant.v.arrayCount = 4;
-    ASSERT_EQ(kstd_persistentVariant_setValue_int(&variant.v, 1), 0);
-    EXPECT_EQ(kstd_persistentVariant_getContainer(&variant.v, &container, &containerValue, &elementSize, &first,
-                                                  &count, &table, &element.t),
-              D6);
-    EXPECT_EQ(typeName(element.t), u"(null)");
+    variant->arrayCount = int64_t{1} << 32;
+    EXPECT_EQ(describe(), kstd_persistentResult_arraySizeOverflow);
+    variant->arrayCount = 4;
+    ASSERT_EQ(kstd_persistentVariant_setValue_int(variant, 1), 0);
+    EXPECT_EQ(describe(), D6);
+    EXPECT_EQ(nameOf(element), u"(null)");
 }
 
 }  // namespace

@@ -3,12 +3,11 @@
 #include <vector>
 
 #include "property/info_entries.hpp"
-#include "property/info_test_support.hpp"
+#include "property/property_test_support.hpp"
 
 namespace {
 
 using namespace vexpers::test;
-using namespace vexpers::test::info;
 using vexpers::property::entriesOf;
 using vexpers::property::entryCount;
 using vexpers::property::entryIsLoadable;
@@ -31,26 +30,19 @@ kstd_result registerBits() {
     return 0;
 }
 
-std::u16string typeNameOf(const kstd_persistentPropertyInfo& info) {
-    const char16_t* name = nullptr;
-    kstd_persistentPropertyInfo_getTypeName(&info, &name);
-    return name != nullptr ? std::u16string(name) : std::u16string(u"(null)");
-}
-
 TEST(PropertyInfoEntries, RegistrationMakesEntries) {
     laterTarget = &newTarget();
     registered.clear();
-    static kstd_persistentPropertyInfoDefinition definitions[4]{};
-    definitions[0] = {u"width", 5, u"int", 0, {}};
+    static kstd_persistentPropertyInfoDefinition definitions[4]{{u"width", 5, u"int", 0, {}},
+                                                                {u"child", 2, u"InfoEntryLater", 1, {}},
+                                                                {u"plain", 2, u"double", 2, {}},
+                                                                {u"", 9, u"InfoEntryNeverRegistered", 0, {}}};
     definitions[0].accessors.slots.addressAccessor = addressOf;
     definitions[0].accessors.slots.directLoadAccessor = loadDirectly;
     // The member's type registers at the end of the owner's registration,
     // after the entry was made.
-    definitions[1] = {u"child", 2, u"InfoEntryLater", 1, {}};
     definitions[1].accessors.slots.memberLoadAccessor = loadMember;
     definitions[1].accessors.slots.entryTypeRegistration = registerLater;
-    definitions[2] = {u"plain", 2, u"double", 2, {}};
-    definitions[3] = {u"", 9, u"InfoEntryNeverRegistered", 0, {}};
     definitions[3].accessors.words[11] = &definitions[0];
     definitions[3].accessors.words[12] = &definitions[1];
     static const kstd_persistentStaticPropertyList list{definitions, 4};
@@ -71,24 +63,20 @@ TEST(PropertyInfoEntries, RegistrationMakesEntries) {
         EXPECT_EQ(std::memcmp(&entries[i].accessors, &definitions[i].accessors, sizeof(definitions[i].accessors)), 0);
         EXPECT_EQ(nameOf(entries[i].info), std::u16string(definitions[i].name));
         EXPECT_EQ(entries[i].info.dataAccess, definitions[i].dataAccess);
-        EXPECT_EQ(typeNameOf(entries[i].info), std::u16string(definitions[i].typeName));
+        EXPECT_EQ(text(outOf<const char16_t*>(0, kstd_persistentPropertyInfo_getTypeName, &entries[i].info)),
+                  std::u16string(definitions[i].typeName));
         EXPECT_EQ(entries[i].info.globalIndex, entries[0].info.globalIndex + i);  // numbered in order
+        // The member type registered after its entry was made: not resolved yet.
+        EXPECT_EQ(entryIsResolved(entries[i]), i == 0 || i == 2);
+        EXPECT_EQ(entryIsLoadable(entries[i]), i < 2);
     }
-    // The member type registered after its entry was made: not resolved yet.
-    EXPECT_EQ((std::vector<bool>{entryIsResolved(entries[0]), entryIsResolved(entries[1]),
-                                 entryIsResolved(entries[2]), entryIsResolved(entries[3])}),
-              (std::vector<bool>{true, false, true, false}));
-    EXPECT_EQ((std::vector<bool>{entryIsLoadable(entries[0]), entryIsLoadable(entries[1]),
-                                 entryIsLoadable(entries[2])}),
-              (std::vector<bool>{true, true, false}));
-    TypeHandle doubles;
-    ASSERT_EQ(kstd_persistentTypeGetType(u"double", 2, 1, &doubles.t), 0);
-    EXPECT_EQ(recordOf(entries[2].info.type), recordOf(doubles.t));
+    Type doubles, pointer;
+    ASSERT_EQ(kstd_persistentTypeGetType(u"double", 2, 1, doubles), 0);
+    EXPECT_EQ(recordOf(entries[2].info.type), recordOf(doubles));
 
     // Every plain derivation shares the one entry vector.
-    TypeHandle pointer;
-    ASSERT_EQ(kstd_persistentTypeGetType(u"InfoEntryOwner", 3, 1, &pointer.t), 0);
-    EXPECT_EQ(recordOf(pointer.t)->propertyInfoEntries, record->propertyInfoEntries);
+    ASSERT_EQ(kstd_persistentTypeGetType(u"InfoEntryOwner", 3, 1, pointer), 0);
+    EXPECT_EQ(recordOf(pointer)->propertyInfoEntries, record->propertyInfoEntries);
 
     // The next list's entries continue the serial.
     static const kstd_persistentPropertyInfoDefinition next[1]{{u"n", 2, u"int", 0, {}}};
@@ -100,7 +88,7 @@ TEST(PropertyInfoEntries, RegistrationMakesEntries) {
     EXPECT_EQ(entriesOf(recordOf(second.handle))[0].info.globalIndex, entries[3].info.globalIndex + 1);
 }
 
-TEST(PropertyInfoEntries, EnumFormsAndEmptyLists) {
+TEST(PropertyInfoEntries, EnumFormsEmptyListsAndUntypedDefinitions) {
     registered.clear();
     static kstd_persistentPropertyInfoDefinition plain[1]{{u"value", 2, u"k_Int64", 0, {}}};
     static kstd_persistentPropertyInfoDefinition bits[2]{{u"low", 2, u"k_UInt32", 0, {}},
@@ -108,8 +96,7 @@ TEST(PropertyInfoEntries, EnumFormsAndEmptyLists) {
     bits[0].accessors.slots.entryTypeRegistration = registerBits;
     static const kstd_persistentStaticPropertyList plainList{plain, 1};
     static const kstd_persistentStaticPropertyList bitsList{bits, 2};
-    Target& value = newTarget();
-    Target& bitfield = newTarget();
+    Target &value = newTarget(), &bitfield = newTarget();
     ASSERT_EQ(kstd_persistentTypeRegisterTypeEnum(u"InfoEntryEnum", 1, 2, 3, 4, &valueAccessTable,
                                                   &bitfieldValueAccessTable, &plainList, &bitsList, &value.flag,
                                                   &bitfield.flag, &value.handle, &bitfield.handle),
@@ -127,9 +114,8 @@ TEST(PropertyInfoEntries, EnumFormsAndEmptyLists) {
               0);
     EXPECT_EQ(recordOf(withEmpty.handle)->hasPropertyInfoEntries, 1u);
     EXPECT_EQ(entryCount(recordOf(withEmpty.handle)), 0);
-}
 
-TEST(PropertyInfoEntries, DefinitionsWithoutTypeNames) {
+    // A definition without a type name refuses the whole registration.
     for (const char16_t* typeName : {static_cast<const char16_t*>(nullptr), u""}) {
         const kstd_persistentPropertyInfoDefinition definitions[2]{{u"fine", 2, u"int", 0, {}},
                                                                    {u"untyped", 2, typeName, 0, {}}};
@@ -137,11 +123,10 @@ TEST(PropertyInfoEntries, DefinitionsWithoutTypeNames) {
         Target& target = newTarget();
         EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"InfoEntryUntyped", &objectTable, &valueAccessTable, &list, 0,
                                                         &target.flag, &target.handle),
-                  kstd_persistentResult_invalidTypeName);
+                  C6);
         EXPECT_EQ(target.flag, 0u);
-        TypeHandle type;
-        EXPECT_EQ(kstd_persistentTypeGetType(u"InfoEntryUntyped", 0, 1, &type.t),
-                  kstd_persistentResult_typeNotRegistered);
+        Type type;
+        EXPECT_EQ(kstd_persistentTypeGetType(u"InfoEntryUntyped", 0, 1, type), C8);
     }
 }
 

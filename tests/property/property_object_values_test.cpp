@@ -6,161 +6,118 @@
 namespace {
 
 using namespace vexpers::test;
-using namespace vexpers::test::prop;
-
-uint32_t derivationOf(const kstd_persistentVariant& variant) {
-    uint32_t derivation = 99;
-    kstd_persistentVariant_getTypeDerivation(&variant, &derivation);
-    return derivation;
-}
 
 TEST(VariantObjectValues, ChecksComeBeforeAnyChange) {
-    const TestTypes& types = testTypes();
-    TypeHandle ints, intArray, unknownPointer;
-    ASSERT_EQ(kstd_persistentTypeGetType(u"int", 0, 1, &ints.t), 0);
-    ASSERT_EQ(kstd_persistentTypeGetType(u"int", kstd_persistentTypeDerivation_array, 1, &intArray.t), 0);
-    ASSERT_EQ(
-        kstd_persistentTypeGetType(u"PropTestUnknown", kstd_persistentTypeDerivation_pointer, 0, &unknownPointer.t),
-        0);
+    const ModuleTypes& types = moduleTypes();
+    Type ints, intArray, unknownPointer;
+    ASSERT_EQ(kstd_persistentTypeGetType(u"int", 0, 1, ints), 0);
+    ASSERT_EQ(kstd_persistentTypeGetType(u"int", kstd_persistentTypeDerivation_array, 1, intArray), 0);
+    ASSERT_EQ(kstd_persistentTypeGetType(u"PropTestUnknown", kstd_persistentTypeDerivation_pointer, 0, unknownPointer),
+              0);
     Variant variant;
-    ASSERT_EQ(kstd_persistentVariant_setValue_int(&variant.v, 11), 0);
-    auto unchanged = [&] {
-        int value = 0;
-        EXPECT_EQ(kstd_persistentVariant_getValue_int(&variant.v, &value), 0);
-        EXPECT_EQ(value, 11);
-    };
-    EXPECT_EQ(kstd_persistentVariant_setValueUsingTypePointerNull(&variant.v, &ints.t),
-              kstd_persistentResult_wrongTypeKind);
-    unchanged();
-    EXPECT_EQ(kstd_persistentVariant_setValueUsingTypeArrayEmpty(&variant.v, &ints.t),
-              kstd_persistentResult_wrongTypeKind);
-    unchanged();
-    EXPECT_EQ(kstd_persistentVariant_setValueUsingTypeEnum(&variant.v, &types.moodBits->handle, 1),
-              kstd_persistentResult_notEnumType);
-    EXPECT_EQ(kstd_persistentVariant_setValueBitfield64UsingTypeEnumBitfield(&variant.v, &types.mood->handle, 1),
-              kstd_persistentResult_notEnumBitfieldType);
-    unchanged();
-
-    IntList list{{5, 6, 0, 0}, 2};
-    kstd_persistentContainerVtable partial = listTable;
+    ASSERT_EQ(kstd_persistentVariant_setValue_int(variant, 11), 0);
+    Box list{{5, 6}, 2}, negative{{}, -1};
+    const kstd_persistentContainerVtable* listTable = boxOperations();
+    kstd_persistentContainerVtable partial = *listTable;
     partial.getLayout = nullptr;
-    IntList negative{{}, -1};
-    EXPECT_EQ(kstd_persistentVariant_setValueUsingTypeArrayInContainer(&variant.v, &intArray.t, nullptr, &listTable),
-              kstd_persistentResult_nullArgument);
-    EXPECT_EQ(kstd_persistentVariant_setValueUsingTypeArrayInContainer(&variant.v, &intArray.t, &list, nullptr),
-              kstd_persistentResult_noObjectVtable);
-    EXPECT_EQ(kstd_persistentVariant_setValueUsingTypeArrayInContainer(&variant.v, &intArray.t, &list, &partial),
-              kstd_persistentResult_operationMissing);
-    EXPECT_EQ(
-        kstd_persistentVariant_setValueUsingTypeArrayInContainer(&variant.v, &intArray.t, &negative, &listTable),
-        kstd_persistentResult_invalidCount);
-    EXPECT_EQ(kstd_persistentVariant_setValueUsingTypeArrayInContainer(&variant.v, &ints.t, &list, &listTable),
-              kstd_persistentResult_wrongTypeKind);
-    unchanged();
-    void* object = &list;
-    EXPECT_EQ(kstd_persistentVariant_getWholeObject(&variant.v, &object), kstd_persistentResult_wrongTypeKind);
-    EXPECT_EQ(object, nullptr);
+    const kstd_result refusals[] = {
+        kstd_persistentVariant_setValueUsingTypePointerNull(variant, ints),
+        kstd_persistentVariant_setValueUsingTypeArrayEmpty(variant, ints),
+        kstd_persistentVariant_setValueUsingTypeEnum(variant, types.colorBits, 1),
+        kstd_persistentVariant_setValueBitfield64UsingTypeEnumBitfield(variant, types.color, 1),
+        kstd_persistentVariant_setValueUsingTypeArrayInContainer(variant, intArray, nullptr, listTable),
+        kstd_persistentVariant_setValueUsingTypeArrayInContainer(variant, intArray, &list, nullptr),
+        kstd_persistentVariant_setValueUsingTypeArrayInContainer(variant, intArray, &list, &partial),
+        kstd_persistentVariant_setValueUsingTypeArrayInContainer(variant, intArray, &negative, listTable),
+        kstd_persistentVariant_setValueUsingTypeArrayInContainer(variant, ints, &list, listTable),
+    };
+    const kstd_result expected[] = {D6, D6, kstd_persistentResult_notEnumType,
+                                    kstd_persistentResult_notEnumBitfieldType, CC, C0, C1, D7, D6};
+    for (size_t i = 0; i < std::size(expected); ++i) EXPECT_EQ(refusals[i], expected[i]) << "refusal " << i;
+    EXPECT_EQ(outOf<int>(0, kstd_persistentVariant_getValue_int, variant), 11);  // unchanged by all of them
+
+    // Objects and arrays are asked of a value that is neither.
+    EXPECT_EQ(outOf<void*>(D6, kstd_persistentVariant_getWholeObject, variant), nullptr);
     void* first = &list;
     intptr_t count = 5;
-    EXPECT_EQ(kstd_persistentVariant_getArrayBeginSizeIntPtr(&variant.v, &first, &count),
-              kstd_persistentResult_wrongTypeKind);
-    EXPECT_EQ(first, nullptr);
-    EXPECT_EQ(count, 0);
+    EXPECT_EQ(kstd_persistentVariant_getArrayBeginSizeIntPtr(variant, &first, &count), D6);
+    EXPECT_EQ(std::make_pair(first, count), std::make_pair(static_cast<void*>(nullptr), intptr_t{0}));
 
     // A pointer type need not be registered for a null pointer of it.
-    ASSERT_EQ(kstd_persistentVariant_setValueUsingTypePointerNull(&variant.v, &unknownPointer.t), 0);
-    EXPECT_EQ(derivationOf(variant.v), kstd_persistentTypeDerivation_pointer);
-    EXPECT_EQ(kstd_persistentVariant_getWholeObject(&variant.v, &object), 0);
-    EXPECT_EQ(object, nullptr);
+    ASSERT_EQ(kstd_persistentVariant_setValueUsingTypePointerNull(variant, unknownPointer), 0);
+    EXPECT_EQ(outOf<uint32_t>(0, kstd_persistentVariant_getTypeDerivation, variant),
+              kstd_persistentTypeDerivation_pointer);
+    EXPECT_EQ(outOf<void*>(0, kstd_persistentVariant_getWholeObject, variant), nullptr);
 }
 
 TEST(VariantObjectValues, EnumsBitsAndArrays) {
-    const TestTypes& types = testTypes();
+    const ModuleTypes& types = moduleTypes();
     Variant variant;
-    ASSERT_EQ(kstd_persistentVariant_setValueBitfield32UsingTypeEnumBitfield(&variant.v, &types.moodBits->handle,
+    ASSERT_EQ(kstd_persistentVariant_setValueBitfield32UsingTypeEnumBitfield(variant, types.colorBits,
                                                                              0x80000000u),
               0);
-    uint64_t bits = 0;
-    EXPECT_EQ(kstd_persistentVariant_getValue_k_UInt64(&variant.v, &bits), 0);
-    EXPECT_EQ(bits, 2147483648u);
-    ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeEnum(&variant.v, &types.mood->handle, -3), 0);
-    int64_t value = 0;
-    EXPECT_EQ(kstd_persistentVariant_getValue_k_Int64(&variant.v, &value), 0);
-    EXPECT_EQ(value, -3);
+    EXPECT_EQ(outOf<uint64_t>(0, kstd_persistentVariant_getValue_k_UInt64, variant), 2147483648u);
+    ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeEnum(variant, types.color, -3), 0);
+    EXPECT_EQ(outOf<int64_t>(0, kstd_persistentVariant_getValue_k_Int64, variant), -3);
 
-    TypeHandle intArray;
-    ASSERT_EQ(kstd_persistentTypeGetType(u"int", kstd_persistentTypeDerivation_array, 1, &intArray.t), 0);
-    IntList list{{5, 6, 7, 0}, 3};
-    ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayInContainer(&variant.v, &intArray.t, &list, &listTable),
-              0);
-    EXPECT_EQ(variant.v.isBorrowed, 1u);
-    EXPECT_EQ(variant.v.containerVtable, &listTable);
+    Type intArray;
+    ASSERT_EQ(kstd_persistentTypeGetType(u"int", kstd_persistentTypeDerivation_array, 1, intArray), 0);
+    Box list{{5, 6, 7}, 3};
+    ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayInContainer(variant, intArray, &list, boxOperations()), 0);
+    EXPECT_EQ(variant->isBorrowed, 1u);
+    EXPECT_EQ(variant->containerVtable, boxOperations());
     void* first = nullptr;
     intptr_t count = 0;
-    EXPECT_EQ(kstd_persistentVariant_getArrayBeginSizeIntPtr(&variant.v, &first, &count), 0);
+    EXPECT_EQ(kstd_persistentVariant_getArrayBeginSizeIntPtr(variant, &first, &count), 0);
     EXPECT_EQ(first, &list);  // the container, not an element
     EXPECT_EQ(count, 3);
 
     // A count beyond 32 bits is refused.
-    ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayEmpty(&variant.v, &intArray.t), 0);
-    EXPECT_EQ(variant.v.arrayCount, 0);
-    variant.v.arrayCount = int64_t(1) << 31;
-    EXPECT_EQ(kstd_persistentVariant_getArrayBeginSizeIntPtr(&variant.v, &first, &count),
+    ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayEmpty(variant, intArray), 0);
+    EXPECT_EQ(variant->arrayCount, 0);
+    variant->arrayCount = int64_t(1) << 31;
+    EXPECT_EQ(kstd_persistentVariant_getArrayBeginSizeIntPtr(variant, &first, &count),
               kstd_persistentResult_arraySizeOverflow);
-    variant.v.arrayCount = 0;
+    variant->arrayCount = 0;
 }
 
 TEST(VariantObjectValues, PropertyPaths) {
-    const TestTypes& types = testTypes();
-    Shape shape;
-    shape.width = 4;
-    shape.inner.x = 17;
+    const ModuleTypes& types = moduleTypes();
+    Widget widget{}, second{}, third{};
+    widget.number = 4;
+    widget.inner.count = 17;
     Variant variant;
-    ASSERT_EQ(kstd_persistentVariant_setValueUsingType(&variant.v, &types.shape->handle, &shape), 0);
+    ASSERT_EQ(kstd_persistentVariant_setValueUsingType(variant, types.widget, &widget), 0);
     Property found;
-    ASSERT_EQ(kstd_persistentVariant_getPropertyUsingName(&variant.v, u"width", &found.p), 0);
-    EXPECT_EQ(nameOf(found.p), u"width");
-    EXPECT_EQ(intOf(found.p), 4);
-    ASSERT_EQ(kstd_persistentVariant_getPropertyUsingName(&variant.v, u"inner.x", &found.p), 0);
-    EXPECT_EQ(intOf(found.p), 17);
-    // Exact names only, and a name must give a property.
-    EXPECT_EQ(kstd_persistentVariant_getPropertyUsingName(&variant.v, u"Width", &found.p),
-              kstd_persistentResult_propertyNotFound);
-    EXPECT_EQ(nameOf(found.p), u"(null)");
-    EXPECT_EQ(kstd_persistentVariant_getPropertyUsingName(&variant.v, u"widt", &found.p),
-              kstd_persistentResult_propertyNotFound);
-    EXPECT_EQ(kstd_persistentVariant_getPropertyUsingName(&variant.v, u"hidden", &found.p),
-              kstd_persistentResult_propertyNotFound);
-    // Steps through values that are no objects, and empty parts.
-    EXPECT_EQ(kstd_persistentVariant_getPropertyUsingName(&variant.v, u"width.x", &found.p),
-              kstd_persistentResult_wrongTypeKind);
-    EXPECT_EQ(kstd_persistentVariant_getPropertyUsingName(&variant.v, u"next.width", &found.p),
-              kstd_persistentResult_nullArgument);
-    EXPECT_EQ(kstd_persistentVariant_getPropertyUsingName(&variant.v, u"inner.", &found.p),
-              kstd_persistentResult_invalidPropertyName);
-    EXPECT_EQ(kstd_persistentVariant_getPropertyUsingName(&variant.v, u".x", &found.p),
-              kstd_persistentResult_invalidPropertyName);
-    EXPECT_EQ(kstd_persistentVariant_getPropertyUsingName(&variant.v, nullptr, &found.p),
-              kstd_persistentResult_invalidPropertyName);
+    ASSERT_EQ(kstd_persistentVariant_getPropertyUsingName(variant, u"number", found), 0);
+    EXPECT_EQ(nameOf(found.v), u"number");
+    EXPECT_EQ(outOf<int32_t>(0, kstd_persistentProperty_getValue_k_Int32, found), 4);
+    ASSERT_EQ(kstd_persistentVariant_getPropertyUsingName(variant, u"inner.count", found), 0);
+    EXPECT_EQ(outOf<int32_t>(0, kstd_persistentProperty_getValue_k_Int32, found), 17);
+
+    const std::pair<const char16_t*, kstd_result> refused[] = {
+        // Exact names only, at every step, and a name must give a property.
+        {u"Number", C9}, {u"numbe", C9}, {u"nothing", C9}, {u"inner.absent", C9}, {u"absent.count", C9},
+        // Steps through values that are no objects, and empty parts.
+        {u"number.count", D6}, {u"next.number", CC}, {u"inner.", C3}, {u".count", C3}, {u"", C3}, {nullptr, C3}};
+    for (auto [name, code] : refused) {
+        EXPECT_EQ(kstd_persistentVariant_getPropertyUsingName(variant, name, found), code) << ascii(name);
+        EXPECT_EQ(nameOf(found.v), u"(null)") << ascii(name);
+    }
 
     // Paths run as deep as the objects go.
-    Shape second, third;
-    third.width = 33;
+    third.number = 33;
     second.next = &third;
-    shape.next = &second;
-    ASSERT_EQ(kstd_persistentVariant_getPropertyUsingName(&variant.v, u"next.next.width", &found.p), 0);
-    EXPECT_EQ(intOf(found.p), 33);
+    widget.next = &second;
+    ASSERT_EQ(kstd_persistentVariant_getPropertyUsingName(variant, u"next.next.number", found), 0);
+    EXPECT_EQ(outOf<int32_t>(0, kstd_persistentProperty_getValue_k_Int32, found), 33);
 
-    // A type whose declared property's type was never registered.
-    Variant broken;
-    ASSERT_EQ(kstd_persistentVariant_setValueUsingType(&broken.v, &types.broken->handle, &shape), 0);
-    EXPECT_EQ(kstd_persistentVariant_getPropertyUsingName(&broken.v, u"lost", &found.p),
-              kstd_persistentResult_typeNotRegistered);
-    // Not an object at all.
-    Variant number;
-    ASSERT_EQ(kstd_persistentVariant_setValue_int(&number.v, 1), 0);
-    EXPECT_EQ(kstd_persistentVariant_getPropertyUsingName(&number.v, u"x", &found.p),
-              kstd_persistentResult_wrongTypeKind);
+    // A type whose declared property's type was never registered; not an object at all.
+    Variant broken, number;
+    ASSERT_EQ(kstd_persistentVariant_setValueUsingType(broken, types.broken, &widget), 0);
+    EXPECT_EQ(kstd_persistentVariant_getPropertyUsingName(broken, u"lost", found), C8);
+    ASSERT_EQ(kstd_persistentVariant_setValue_int(number, 1), 0);
+    EXPECT_EQ(kstd_persistentVariant_getPropertyUsingName(number, u"x", found), D6);
 }
 
 }  // namespace

@@ -6,14 +6,9 @@
 
 namespace {
 
-using vexpers::test::AssertRecorder;
-using vexpers::test::LiveBlockCheck;
+using namespace vexpers::test;
 
-int64_t live(const kstd_blockAllocator& a) {
-    int64_t count = -1;
-    kstd_blockAllocator_getLiveCount(&a, &count);
-    return count;
-}
+int64_t live(const kstd_blockAllocator& a) { return outOf<int64_t>(0, kstd_blockAllocator_getLiveCount, &a); }
 
 TEST(BlockAllocator, ReusesBlocksAndGrowsByChunks) {
     LiveBlockCheck leaks;
@@ -31,27 +26,22 @@ TEST(BlockAllocator, ReusesBlocksAndGrowsByChunks) {
     EXPECT_EQ(leaks.leaked(), 3) << "three chunks";
     EXPECT_EQ(live(a), 12);
 
+    // The last freed block comes back first.
     ASSERT_EQ(kblk_free(&a, blocks[4]), 0);
     ASSERT_EQ(kblk_free(&a, blocks[7]), 0);
-    void* reused = nullptr;
-    ASSERT_EQ(kblk_alloc(&a, &reused), 0);
-    EXPECT_EQ(reused, blocks[7]) << "the last freed block comes back first";
-    ASSERT_EQ(kblk_alloc(&a, &reused), 0);
-    EXPECT_EQ(reused, blocks[4]);
+    EXPECT_EQ(outOf<void*>(0, kblk_alloc, &a), blocks[7]);
+    EXPECT_EQ(outOf<void*>(0, kblk_alloc, &a), blocks[4]);
     EXPECT_EQ(leaks.leaked(), 3);
     EXPECT_EQ(kblk_free(&a, nullptr), 0);
 
     // A failing chunk allocation changes nothing.
-    for (int i = 0; i < 3; ++i) ASSERT_EQ(kblk_alloc(&a, &reused), 0);  // the third chunk is full
+    for (int i = 0; i < 3; ++i) outOf<void*>(0, kblk_alloc, &a);  // the third chunk is full
     ksys_memory_failAt(1, 0);
-    void* block = &a;
-    EXPECT_EQ(kblk_alloc(&a, &block), ksys_result_outOfMemory);
+    EXPECT_EQ(outOf<void*>(OOM, kblk_alloc, &a), nullptr);
     ksys_memory_failAt(0, 0);
-    EXPECT_EQ(block, nullptr);
     EXPECT_EQ(live(a), 15);
-    ASSERT_EQ(kblk_alloc(&a, &block), 0);
+    outOf<void*>(0, kblk_alloc, &a);
     EXPECT_EQ(leaks.leaked(), 4);
-
     ASSERT_EQ(kstd_blockAllocator_destruct(&a), 0);
     EXPECT_EQ(leaks.leaked(), 0);
 }
@@ -85,13 +75,9 @@ TEST(BlockAllocator, MaximumBlocksAndTheCleanupFunction) {
     LiveBlockCheck leaks;
     kstd_blockAllocator a;
     ASSERT_EQ(kstd_blockAllocator_construct(&a, 1000, 16, 2), 0);  // one block per chunk
-    void* first = nullptr;
-    void* second = nullptr;
-    void* third = &a;
-    ASSERT_EQ(kblk_alloc(&a, &first), 0);
-    ASSERT_EQ(kblk_alloc(&a, &second), 0);
-    EXPECT_EQ(kblk_alloc(&a, &third), ksys_result_outOfMemory);
-    EXPECT_EQ(third, nullptr);
+    outOf<void*>(0, kblk_alloc, &a);
+    void* second = outOf<void*>(0, kblk_alloc, &a);
+    EXPECT_EQ(outOf<void*>(OOM, kblk_alloc, &a), nullptr);
 
     // As the undo of an allocation on a clean-up list: given back only when
     // the function fails.
@@ -102,21 +88,21 @@ TEST(BlockAllocator, MaximumBlocksAndTheCleanupFunction) {
     ASSERT_EQ(ksys_cleanupExecute_(&entry, &count, &result, ksys_cleanup_getNextTag()), 0);
     EXPECT_EQ(live(a), 2) << "success keeps the block";
     count = 1;
-    result = ksys_result_outOfMemory;
-    EXPECT_EQ(ksys_cleanupExecute_(&entry, &count, &result, ksys_cleanup_getNextTag()), ksys_result_outOfMemory);
+    result = OOM;
+    EXPECT_EQ(ksys_cleanupExecute_(&entry, &count, &result, ksys_cleanup_getNextTag()), OOM);
     EXPECT_EQ(live(a), 1);
     EXPECT_EQ(ref.block, nullptr);
     EXPECT_EQ(kstd_block_register(&ref), 0) << "a second run frees nothing";
     EXPECT_EQ(live(a), 1);
-    ASSERT_EQ(kblk_alloc(&a, &third), 0);
-    EXPECT_EQ(third, second);
+    EXPECT_EQ(outOf<void*>(0, kblk_alloc, &a), second);
     ASSERT_EQ(kstd_blockAllocator_destruct(&a), 0);
     EXPECT_EQ(leaks.leaked(), 0);
 
     AssertRecorder faults;
+    void* block = nullptr;
     EXPECT_EQ(kstd_blockAllocator_construct(&a, 0, 0x10000, -1), ksys_result_invalidSize);
-    EXPECT_EQ(kblk_alloc(&a, &first), ksys_result_preconditionFailed) << "not constructed";
-    EXPECT_EQ(kstd_block_register(nullptr), ksys_result_preconditionFailed);
+    EXPECT_EQ(kblk_alloc(&a, &block), Fault) << "not constructed";
+    EXPECT_EQ(kstd_block_register(nullptr), Fault);
     EXPECT_EQ(faults.count(), 2);
 }
 

@@ -5,8 +5,7 @@
 
 namespace {
 
-using vexpers::test::AssertRecorder;
-using vexpers::test::LiveBlockCheck;
+using namespace vexpers::test;
 
 std::vector<int32_t> values(const kstd_vector32s& v) {
     const int32_t* begin = nullptr;
@@ -15,6 +14,8 @@ std::vector<int32_t> values(const kstd_vector32s& v) {
     return size == 0 ? std::vector<int32_t>{} : std::vector<int32_t>(begin, begin + size);
 }
 
+// The typed vectors are expanded from one list over the generic vector; a
+// vector of scalars, of pointers and of records prove the expansion.
 TEST(TypedVector, ScalarOperations) {
     LiveBlockCheck leaks;
     kstd_vector32s v;
@@ -24,13 +25,10 @@ TEST(TypedVector, ScalarOperations) {
     ASSERT_EQ(kstd_vector32s_popBack(&v), 0);
     EXPECT_EQ(values(v), (std::vector<int32_t>{0, 10, 20, 30, 40, -1}));
 
-    int32_t* element = nullptr;
-    ASSERT_EQ(kstd_vector32s_getElement(&v, 2, &element), 0);
+    int32_t* element = outOf<int32_t*>(0, kstd_vector32s_getElement, &v, 2);
     ASSERT_EQ(kstd_vector32s_getNextElement(&v, &element), 0);
     EXPECT_EQ(*element, 30);
-    const int32_t* constElement = reinterpret_cast<const int32_t*>(&v);
-    EXPECT_EQ(kstd_vector32s_getElementConst(&v, 6, &constElement), ksys_result_notFound);
-    EXPECT_EQ(constElement, nullptr);
+    EXPECT_EQ(outOf<const int32_t*>(ksys_result_notFound, kstd_vector32s_getElementConst, &v, 6), nullptr);
 
     kstd_vector32s* copy = nullptr;
     ASSERT_EQ(kstd_vector32s_newClone(&copy, &v), 0);
@@ -42,78 +40,61 @@ TEST(TypedVector, ScalarOperations) {
     EXPECT_EQ(values(v), (std::vector<int32_t>{7, 8, 9}));
     ASSERT_EQ(kstd_vector32s_delete(&copy), 0);
     EXPECT_EQ(copy, nullptr);
-
     ASSERT_EQ(kstd_vector32s_clear(&v), 0);
-    intptr_t size = -1;
-    EXPECT_EQ(kstd_vector32s_getSizeIntPtr(&v, &size), 0);
-    EXPECT_EQ(size, 0);
+    EXPECT_EQ(outOf<intptr_t>(0, kstd_vector32s_getSizeIntPtr, &v), 0);
     ASSERT_EQ(kstd_vector32s_destruct(&v), 0);
 
     // A vector of untyped pointers keeps the pointers themselves.
     kstd_vectorPtrConstVoid pointers;
     ASSERT_EQ(kstd_vectorPtrConstVoid_constructEmpty(&pointers), 0);
     ASSERT_EQ(kstd_vectorPtrConstVoid_resizeFill(&pointers, 3, &v), 0);
-    const void** begin = nullptr;
-    ASSERT_EQ(kstd_vectorPtrConstVoid_getBegin(&pointers, &begin), 0);
-    EXPECT_EQ(begin[2], &v);
+    EXPECT_EQ(outOf<const void**>(0, kstd_vectorPtrConstVoid_getBegin, &pointers)[2], &v);
     ASSERT_EQ(kstd_vectorPtrConstVoid_destruct(&pointers), 0);
     EXPECT_EQ(leaks.leaked(), 0);
 
     AssertRecorder faults;
-    EXPECT_EQ(kstd_vector32s_pushBack(nullptr, 1), ksys_result_preconditionFailed);
-    EXPECT_EQ(kstd_vector32s_getBegin(&v, nullptr), ksys_result_preconditionFailed);
+    EXPECT_EQ(kstd_vector32s_pushBack(nullptr, 1), Fault);
+    EXPECT_EQ(kstd_vector32s_getBegin(&v, nullptr), Fault);
     EXPECT_EQ(faults.count(), 2);
 }
 
 TEST(TypedVector, VectorsOfRecordsCopyTheirElementsDeeply) {
     LiveBlockCheck leaks;
-    kstd_vector_vectorIntPtrs outer;
+    kstd_vector_vectorIntPtrs outer, copy;
     ASSERT_EQ(kstd_vector_vectorIntPtrs_constructEmpty(&outer), 0);
     ASSERT_EQ(kstd_vector_vectorIntPtrs_resize(&outer, 3), 0);
-    kstd_vectorIntPtrs* inner = nullptr;
-    ASSERT_EQ(kstd_vector_vectorIntPtrs_getElement(&outer, 1, &inner), 0);
-    intptr_t size = -1;
-    ASSERT_EQ(kstd_vectorIntPtrs_getSizeIntPtr(inner, &size), 0);
-    EXPECT_EQ(size, 0) << "new elements are empty vectors";
+    kstd_vectorIntPtrs* inner = outOf<kstd_vectorIntPtrs*>(0, kstd_vector_vectorIntPtrs_getElement, &outer, 1);
+    EXPECT_EQ(outOf<intptr_t>(0, kstd_vectorIntPtrs_getSizeIntPtr, inner), 0) << "new elements are empty vectors";
     for (intptr_t i = 0; i < 100; ++i) ASSERT_EQ(kstd_vectorIntPtrs_pushBack(inner, i), 0);
 
-    kstd_vector_vectorIntPtrs copy;
     ASSERT_EQ(kstd_vector_vectorIntPtrs_constructCopy(&copy, &outer), 0);
     ASSERT_EQ(kstd_vector_vectorIntPtrs_pushBack(&copy, inner), 0);  // grows: inner vectors are copied, not moved
-    kstd_vectorIntPtrs* copied = nullptr;
-    ASSERT_EQ(kstd_vector_vectorIntPtrs_getElement(&copy, 1, &copied), 0);
-    ASSERT_EQ(kstd_vectorIntPtrs_resize(copied, 1), 0);
-    const intptr_t* last = nullptr;
-    ASSERT_EQ(kstd_vectorIntPtrs_getElementConst(inner, 99, &last), 0);
-    EXPECT_EQ(*last, 99) << "the source's inner vector is untouched";
-    ASSERT_EQ(kstd_vector_vectorIntPtrs_getElement(&copy, 3, &copied), 0);
-    ASSERT_EQ(kstd_vectorIntPtrs_getSizeIntPtr(copied, &size), 0);
-    EXPECT_EQ(size, 100);
+    ASSERT_EQ(
+        kstd_vectorIntPtrs_resize(outOf<kstd_vectorIntPtrs*>(0, kstd_vector_vectorIntPtrs_getElement, &copy, 1), 1), 0);
+    EXPECT_EQ(*outOf<const intptr_t*>(0, kstd_vectorIntPtrs_getElementConst, inner, 99), 99)
+        << "the source's inner vector is untouched";
+    EXPECT_EQ(outOf<kstd_vectorIntPtrs*>(0, kstd_vector_vectorIntPtrs_getElement, &copy, 3)->base.size, 100);
     ASSERT_EQ(kstd_vector_vectorIntPtrs_destruct(&copy), 0);
     ASSERT_EQ(kstd_vector_vectorIntPtrs_destruct(&outer), 0);
 
     // Unicode strings: elements own their text.
     kstd_vector_kstd_unicodeString strings;
-    ASSERT_EQ(kstd_vector_kstd_unicodeString_construct(&strings), 0);
     kstd_unicodeString text;
+    ASSERT_EQ(kstd_vector_kstd_unicodeString_construct(&strings), 0);
     ASSERT_EQ(kstd_unicodeString_construct(&text), 0);
     for (const char16_t* word : {u"alpha", u"beta", u"gamma"}) {
         ASSERT_EQ(kstd_unicodeString_assignStringW(&text, word), 0);
         ASSERT_EQ(kstd_vector_kstd_unicodeString_pushBack(&strings, &text), 0);
     }
     ASSERT_EQ(kstd_unicodeString_destruct(&text), 0);
-    kstd_unicodeString* element = nullptr;
-    ASSERT_EQ(kstd_vector_kstd_unicodeString_getElement(&strings, 1, &element), 0);
-    const char16_t* chars = nullptr;
-    ASSERT_EQ(kstd_unicodeString_getStringW(element, &chars, nullptr), 0);
-    EXPECT_EQ(std::u16string(chars), u"beta");
-    vexpers::test::sweepAllocationFailures(
-        [&] {
-            kstd_vector_kstd_unicodeString* clone = nullptr;
-            const kstd_result result = kstd_vector_kstd_unicodeString_newClone(&clone, &strings);
-            kstd_vector_kstd_unicodeString_delete(&clone);
-            return result;
-        });
+    EXPECT_EQ(ascii(outOf<kstd_unicodeString*>(0, kstd_vector_kstd_unicodeString_getElement, &strings, 1)->chars),
+              "beta");
+    sweepAllocationFailures([&] {
+        kstd_vector_kstd_unicodeString* clone = nullptr;
+        const kstd_result result = kstd_vector_kstd_unicodeString_newClone(&clone, &strings);
+        kstd_vector_kstd_unicodeString_delete(&clone);
+        return result;
+    });
     ASSERT_EQ(kstd_vector_kstd_unicodeString_destruct(&strings), 0);
     EXPECT_EQ(leaks.leaked(), 0);
 }

@@ -1,6 +1,7 @@
-// Helpers of the type tests: operation tables that registration accepts, a
-// module-style registration target (flag and global handle, never freed),
-// and short ways to read a descriptor.
+// Helpers of the type tests: a module-style registration target (flag and
+// global handle, never freed) for the operation tables of the shared support.
+// TypeHandle and TypeVector serve the thread tests; the others use Type of the
+// shared support.
 #pragma once
 
 #include <string>
@@ -8,21 +9,6 @@
 #include "support/test_support.hpp"
 
 namespace vexpers::test {
-
-inline kstd_result noOp(void*) { return 0; }
-inline kstd_result noOpCopy(void*, const void*) { return 0; }
-inline kstd_result noOpNew(void**) { return 0; }
-inline kstd_result noOpClone(void**, const void*) { return 0; }
-inline kstd_result fourBytes(uint32_t* size) {
-    *size = 4;
-    return 0;
-}
-
-// Slots 5 to 8 are the ones registration requires.
-inline const kstd_persistentObjectVtable objectTable{fourBytes, noOp,     noOpCopy,  noOpCopy, noOp,
-                                                     noOp,      noOpNew,  noOpClone, noOpNew};
-inline const kstd_persistentValueAccessVtable valueAccessTable{};
-inline const kstd_persistentValueAccessVtable bitfieldValueAccessTable{};
 
 // What a module keeps for one of its types. The registry constructs the
 // handle and frees it at shut-down, so targets live for the whole process.
@@ -42,19 +28,6 @@ inline Target& newTarget() {
 inline kstd_result registerObject(const char16_t* name, Target& target) {
     return kstd_persistentTypeRegisterTypeObject(name, &objectTable, &valueAccessTable, nullptr, 0, &target.flag,
                                                  &target.handle);
-}
-
-// The record a handle shares, or null.
-inline const kstd_persistentType_* recordOf(const kstd_persistentType& type) {
-    const void* whole = nullptr;
-    kstd_ptrhConst_getWholeShared(&type.record, &whole);
-    return static_cast<const kstd_persistentType_*>(whole);
-}
-
-inline std::u16string nameOf(const kstd_persistentType& type) {
-    const char16_t* name = nullptr;
-    kstd_persistentType_getTypeName(&type, &name);
-    return name != nullptr ? std::u16string(name) : std::u16string(u"(null)");
 }
 
 // Starts the registry, so that a leak check that follows does not count

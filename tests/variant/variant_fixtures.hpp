@@ -1,59 +1,54 @@
-// Helpers of the variant tests: owning wrappers, descriptors of core and
-// test types, a hand-made type record for kinds the registry never makes,
-// and text read back as 8-bit strings for readable failures.
+// Helpers of the variant tests: descriptors of core and test types, a
+// hand-made type record for kinds the registry never makes, and text read
+// back as 8-bit strings for readable failures.
 #pragma once
 
 #include <string>
 
-#include "support/test_support.hpp"
+#include "types/type_test_support.hpp"
 
 namespace vexpers::test {
 
-inline constexpr kstd_result D0 = kstd_persistentResult_valueOutOfRange;
-inline constexpr kstd_result CA = kstd_persistentResult_notSupported;
-inline constexpr kstd_result CB = kstd_persistentResult_invalidTypeCategory;
-inline constexpr kstd_result CD = kstd_persistentResult_typeMismatch;
-inline constexpr kstd_result D6 = kstd_persistentResult_wrongTypeKind;
-inline constexpr kstd_result E66 = kstd_persistentResult_floatRangeExceeded;
-inline constexpr kstd_result Empty = kstd_persistentResult_typeEmpty;
-
-struct Variant {
-    kstd_persistentVariant v;
-    Variant() { EXPECT_EQ(kstd_persistentVariant_construct(&v), 0); }
-    ~Variant() { EXPECT_EQ(kstd_persistentVariant_destruct(&v), 0); }
-    Variant(const Variant&) = delete;
-    Variant& operator=(const Variant&) = delete;
-    kstd_persistentVariant* operator->() { return &v; }
-    const kstd_persistentVariant* get() const { return &v; }
-    kstd_persistentVariant* get() { return &v; }
-};
-
-struct Type {
-    kstd_persistentType t;
-    Type() { EXPECT_EQ(kstd_persistentType_construct(&t), 0); }
-    ~Type() { EXPECT_EQ(kstd_persistentType_destruct(&t), 0); }
-    Type(const Type&) = delete;
-    Type& operator=(const Type&) = delete;
-    const kstd_persistentType* get() const { return &t; }
-    kstd_persistentType* get() { return &t; }
-};
-
 // The registered descriptor of a core type in a derivation.
 inline void coreType(Type& type, int32_t id, uint32_t derivation = 0) {
-    ASSERT_EQ(kstd_persistentType_resetCoreTypeIdAndDerivation(type.get(), id, derivation), 0);
+    ASSERT_EQ(kstd_persistentType_resetCoreTypeIdAndDerivation(type, id, derivation), 0);
 }
 
 // A registered-looking record made by hand, for kinds no registration makes
 // (categories 0 and 1 of derivation 4, an object type without value access).
-inline void handMadeType(Type& type, uint32_t category, uint32_t derivation, int32_t coreTypeId = -1) {
+inline void handMadeType(Type& type, uint32_t category, uint32_t derivation) {
     kstd_persistentType_* record = nullptr;
     ASSERT_EQ(kstd_persistentType__new(&record), 0);
     record->isKnown = 1;
     record->category = category;
     record->derivation = derivation;
-    record->coreTypeId = coreTypeId;
+    record->coreTypeId = -1;
     // The handle takes the only reference; the record is destroyed with it.
-    ASSERT_EQ(kstd_ptrhConst_assignShared(&type.get()->record, &record->header), 0);
+    ASSERT_EQ(kstd_ptrhConst_assignShared(&type->record, &record->header), 0);
+}
+
+// The variant holding a core type, or a hand-made one, and a zero value.
+inline void holdCore(kstd_persistentVariant* v, int32_t id, uint32_t derivation = 0) {
+    Type type;
+    coreType(type, id, derivation);
+    ASSERT_EQ(kstd_persistentVariant_resetType(v, type), 0);
+}
+inline void holdHandMade(kstd_persistentVariant* v, uint32_t category, uint32_t derivation) {
+    Type type;
+    handMadeType(type, category, derivation);
+    ASSERT_EQ(kstd_persistentVariant_resetType(v, type), 0);
+}
+
+// The test object type's reader: the last variant and destination it was given.
+struct ReaderCall {
+    const kstd_persistentVariant* variant = nullptr;
+    void* destination = nullptr;
+    int calls = 0;
+};
+inline ReaderCall objectReaderCalls;
+inline kstd_result objectReader(const kstd_persistentVariant* variant, void* destination) {
+    objectReaderCalls = {variant, destination, objectReaderCalls.calls + 1};
+    return 0;
 }
 
 // An enum type with a bit-field form, and an object type whose value access
@@ -63,22 +58,34 @@ struct TestTypes {
     const kstd_persistentType* bitfieldEnum;
     const kstd_persistentType* object;
 };
-const TestTypes& testTypes();
-
-// The object type's reader: the last variant and destination it was given.
-struct ReaderCall {
-    const kstd_persistentVariant* variant = nullptr;
-    void* destination = nullptr;
-    int calls = 0;
-};
-ReaderCall& objectReaderCalls();
-
-inline std::string ascii(const char16_t* text) {
-    if (text == nullptr) return "(null)";
-    std::string out;
-    for (; *text != 0; ++text) out += *text < 0x80 ? static_cast<char>(*text) : '?';
-    return out;
+inline const TestTypes& testTypes() {
+    static const TestTypes types = [] {
+        static kstd_persistentValueAccessVtable objectAccess{};
+        objectAccess.getVariant = objectReader;
+        Target &plain = newTarget(), &bits = newTarget(), &object = newTarget();
+        EXPECT_EQ(kstd_persistentTypeRegisterTypeEnum(u"VariantTestEnum", 0, 0, 0, 0, &valueAccessTable,
+                                                      &bitfieldValueAccessTable, nullptr, nullptr, &plain.flag,
+                                                      &bits.flag, &plain.handle, &bits.handle),
+                  0);
+        EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"VariantTestObject", &objectTable, &objectAccess, nullptr, 0,
+                                                        &object.flag, &object.handle),
+                  0);
+        return TestTypes{&plain.handle, &bits.handle, &object.handle};
+    }();
+    return types;
 }
+
+// Starts the registry, the variant's core types and the test types before
+// any test counts live blocks or allocations.
+struct VariantEnvironment : ::testing::Environment {
+    void SetUp() override {
+        testTypes();
+        Variant v;
+        EXPECT_EQ(kstd_persistentVariant_setValue_k_Int32(v, 1), 0);
+    }
+};
+inline ::testing::Environment* const variantEnvironment =
+    ::testing::AddGlobalTestEnvironment(new VariantEnvironment);
 
 // The text form of the variant, or "(unchanged)" when the function left its
 // output as it found it (a text that no text form has).
@@ -87,9 +94,7 @@ inline std::string textForm(const kstd_persistentVariant* variant, kstd_result* 
     EXPECT_EQ(kstd_stringConst_construct(&text), 0);
     EXPECT_EQ(kstd_stringConst_assignString(&text, u"(unchanged)"), 0);
     *code = kstd_persistentVariant_getValueAsString(variant, &text);
-    const char16_t* chars = nullptr;
-    EXPECT_EQ(kstd_stringConst_getString(&text, &chars), 0);
-    std::string out = ascii(chars);
+    const std::string out = ascii(text.chars);
     EXPECT_EQ(kstd_stringConst_destruct(&text), 0);
     return out;
 }
@@ -98,6 +103,10 @@ inline int64_t allocations() {
     int64_t count = 0;
     ksys_memory_getAllocationCount(&count);
     return count;
+}
+
+inline int32_t coreTypeIdOf(const kstd_persistentVariant* v) {
+    return outOf<int32_t>(0, kstd_persistentType_getCoreTypeId, &v->type);
 }
 
 }  // namespace vexpers::test

@@ -1,4 +1,4 @@
-#include "objects/test_module.hpp"
+#include "support/test_module.hpp"
 
 #include <cstring>
 #include <initializer_list>
@@ -8,14 +8,9 @@
 namespace vexpers::test {
 namespace {
 
-WidgetCalls calls;
+WidgetCalls& calls = widgetCalls;
 
 // ---- Widget: object operations ---------------------------------------------------
-
-kstd_result widgetSize(uint32_t* size) {
-    *size = sizeof(Widget);
-    return 0;
-}
 
 kstd_result widgetDelete(void** object);
 
@@ -46,12 +41,8 @@ kstd_result widgetAssign(void* object, const void* source) {
     widget->flags32 = from->flags32;
     widget->flags64 = from->flags64;
     widget->inner = from->inner;
+    widget->next = from->next;
     return kstd_vector32s_assign(&widget->values, &from->values);
-}
-
-kstd_result widgetConstructCopy(void* object, const void* source) {
-    if (kstd_result result = widgetConstruct(object); result < 0) return result;
-    return widgetAssign(object, source);
 }
 
 kstd_result widgetDestruct(void* object) {
@@ -59,13 +50,6 @@ kstd_result widgetDestruct(void* object) {
     kstd_vector32s_destruct(&static_cast<Widget*>(object)->values);
     ++calls.destructed;
     return 0;
-}
-
-kstd_result widgetReset(void* object) {
-    auto* widget = static_cast<Widget*>(object);
-    widget->number = 0;
-    widget->ratio = 0;
-    return kstd_vector32s_clear(&widget->values);
 }
 
 kstd_result widgetNew(void** object) {
@@ -81,23 +65,21 @@ kstd_result widgetNew(void** object) {
     return 0;
 }
 
-kstd_result widgetNewClone(void** object, const void* source) {
-    if (source == nullptr) return widgetDelete(object);
-    if (kstd_result result = widgetNew(object); result < 0) return result;
-    return widgetAssign(*object, source);
-}
-
 kstd_result widgetDelete(void** object) {
     if (*object == nullptr) return 0;
     if (kstd_result result = widgetDestruct(*object); result < 0) return result;
     return ksys_memory_free_internal(object);
 }
 
-constexpr kstd_persistentObjectVtable widgetObjects{widgetSize,     widgetConstruct, widgetConstructCopy,
-                                                    widgetAssign,   widgetDestruct,  widgetReset,
-                                                    widgetNew,      widgetNewClone,  widgetDelete};
+// Construct, assign and destruct count their calls; newObject and
+// deleteObject go through them.
+constexpr kstd_persistentObjectVtable widgetObjects{sizeOf<Widget>, widgetConstruct, nullptr,   widgetAssign,
+                                                    widgetDestruct, noOp,            widgetNew, noOpClone,
+                                                    widgetDelete};
 
 // ---- Widget: interface query and value access ------------------------------------
+
+const Widget& widgetOf(const void* object) { return *static_cast<const Widget*>(object); }
 
 kstd_result widgetQuery(void* object, const char16_t* name, void** result) {
     *result = nullptr;
@@ -118,51 +100,16 @@ kstd_result widgetSetProperty(void*, const char16_t* name, const kstd_persistent
     return 0;
 }
 
-kstd_result widgetTransfer(void*, kstd_persistentPropertyBag*) {
+kstd_result widgetTransfer(void* object, kstd_persistentPropertyBag* bag) {
     ++calls.transfers;
-    return 0;
+    if (bag->isStoring == 0) return 0;
+    int twice = widgetOf(object).number * 2;
+    return kstd_persistentPropertyBag_transferValue_int(bag, u"twice", nullptr, &twice);
 }
 
 constexpr kstd_persistentValueAccessVtable widgetAccess{nullptr, nullptr, nullptr,        widgetSetProperty,
                                                         nullptr, nullptr, widgetTransfer, nullptr,
                                                         nullptr};
-
-// ---- Plain object operations of the small types ------------------------------------
-
-template <class T>
-kstd_result sizeOf(uint32_t* size) {
-    *size = sizeof(T);
-    return 0;
-}
-template <class T>
-kstd_result zero(void* object) {
-    std::memset(object, 0, sizeof(T));
-    return 0;
-}
-template <class T>
-kstd_result copy(void* object, const void* source) {
-    std::memcpy(object, source, sizeof(T));
-    return 0;
-}
-kstd_result nothing(void*) { return 0; }
-template <class T>
-kstd_result make(void** object) {
-    if (*object != nullptr) ksys_memory_free_internal(object);
-    if (kstd_result result = ksys_memory_alloc_internal(sizeof(T), object); result < 0) return result;
-    return zero<T>(*object);
-}
-template <class T>
-kstd_result clone(void** object, const void* source) {
-    if (kstd_result result = make<T>(object); result < 0) return result;
-    return copy<T>(*object, source);
-}
-kstd_result unmake(void** object) { return ksys_memory_free_internal(object); }
-
-template <class T>
-constexpr kstd_persistentObjectVtable plainObjects{sizeOf<T>, zero<T>,   copy<T>,  copy<T>,  nothing,
-                                                   zero<T>,   make<T>,   clone<T>, unmake};
-
-constexpr kstd_persistentValueAccessVtable emptyAccess{};
 
 // ---- Box: a container of int32 items -----------------------------------------------
 
@@ -194,22 +141,29 @@ constexpr kstd_persistentContainerVtable boxTable{boxResize, boxSize, boxBegin, 
 kstd_result registerNothing() { return 0; }
 
 // ---- Declared properties -------------------------------------------------------------
-// Each member is read through a different accessor word. Where an entry has
-// several words, the one that storing must prefer gives the true value and
-// the others would give a wrong one.
 
-const Widget& widgetOf(const void* object) { return *static_cast<const Widget*>(object); }
-
-kstd_result numberAddress(const void* object, const void** member) {
-    *member = &widgetOf(object).number;
+// The address of a member; of the pointer member, the object it points at.
+template <auto Member>
+kstd_result memberAddress(const void* object, const void** member) {
+    if constexpr (std::is_pointer_v<std::remove_cvref_t<decltype(widgetOf(object).*Member)>>)
+        *member = widgetOf(object).*Member;
+    else
+        *member = &(widgetOf(object).*Member);
+    return 0;
+}
+// A member's value; a value that is never the member's.
+template <auto Member, class T>
+kstd_result memberValue(const void* object, T* value) {
+    *value = widgetOf(object).*Member;
+    return 0;
+}
+template <class T, T Wrong>
+kstd_result wrongValue(const void*, T* value) {
+    *value = Wrong;
     return 0;
 }
 kstd_result innerCountAddress(const void* object, const void** member) {  // never preferred
     *member = &widgetOf(object).inner.count;
-    return 0;
-}
-kstd_result ratioAddress(const void* object, const void** member) {
-    *member = &widgetOf(object).ratio;
     return 0;
 }
 kstd_result wrongRatio(const void*, kstd_persistentVariant* value) {
@@ -247,30 +201,6 @@ kstd_result locateValues(void* object, void** first, void** second) {
     *second = const_cast<kstd_persistentContainerVtable*>(&vectorTable);
     return 0;
 }
-kstd_result wrongEnum(const void*, int64_t* value) {
-    *value = -1;
-    return 0;
-}
-kstd_result colorValue(const void* object, int64_t* value) {
-    *value = widgetOf(object).color;
-    return 0;
-}
-kstd_result wrongBits32(const void*, uint32_t* value) {
-    *value = 0xDEAD;
-    return 0;
-}
-kstd_result flags32Value(const void* object, uint32_t* value) {
-    *value = widgetOf(object).flags32;
-    return 0;
-}
-kstd_result flags64Value(const void* object, uint64_t* value) {
-    *value = widgetOf(object).flags64;
-    return 0;
-}
-kstd_result innerAddress(const void* object, const void** member) {
-    *member = &widgetOf(object).inner;
-    return 0;
-}
 kstd_result loadDirectly(void*, const kstd_persistentType*, const kstd_persistentPropertyNode*) {
     return kstd_persistentResult_notSupported;
 }
@@ -279,7 +209,7 @@ kstd_result loadMember(void*, void*, void*, const kstd_persistentType*, const ks
 }
 kstd_result registerColor();
 kstd_result storeWhole(const void* object, kstd_persistentProperty* property) {
-    return kstd_persistentProperty_resetInfoAndValue_int(property, u"stored", 2, widgetOf(object).number + 1);
+    return kstd_persistentProperty_resetInfoAndValue_int(property, u"stored", 7, widgetOf(object).number + 1);
 }
 
 kstd_persistentPropertyAccessors accessors(std::initializer_list<std::pair<int, const void*>> words) {
@@ -293,18 +223,23 @@ const void* word(F function) {
     return reinterpret_cast<const void*>(function);
 }
 
+constexpr auto colorOf = memberValue<&Widget::color, int64_t>;
+constexpr auto flags32Of = memberValue<&Widget::flags32, uint32_t>;
+constexpr auto flags64Of = memberValue<&Widget::flags64, uint64_t>;
 const kstd_persistentPropertyInfoDefinition widgetDefinitions[]{
-    {u"number", 2, u"k_Int32", 0, accessors({{4, word(numberAddress)}, {3, word(innerCountAddress)}})},
-    {u"ratio", 2, u"double", 0, accessors({{3, word(ratioAddress)}, {5, word(wrongRatio)}})},
+    {u"number", 1, u"k_Int32", 0,
+     accessors({{4, word(memberAddress<&Widget::number>)}, {3, word(innerCountAddress)}})},
+    {u"ratio", 2, u"double", 0, accessors({{3, word(memberAddress<&Widget::ratio>)}, {5, word(wrongRatio)}})},
     {u"doubled", 2, u"k_Int32", 0, accessors({{5, word(doubledNumber)}, {7, word(locateValues)}})},
     {u"values", 2, u"k_Int32", 2,
-     accessors({{7, word(locateValues)}, {0, word(wrongEnum)}, {9, word(loadMember)}})},
+     accessors({{7, word(locateValues)}, {0, word(wrongValue<int64_t, -1>)}, {9, word(loadMember)}})},
     {u"color", 2, u"TestColor", 0,
-     accessors({{0, word(colorValue)}, {1, word(wrongBits32)}, {10, word(registerColor)}})},
-    {u"flags32", 2, u"TestColor", 4, accessors({{1, word(flags32Value)}, {2, word(wrongEnum)}})},
-    {u"flags64", 2, u"TestColor", 4, accessors({{2, word(flags64Value)}})},
-    {u"inner", 2, u"TestInner", 0, accessors({{4, word(innerAddress)}, {8, word(loadDirectly)}})},
+     accessors({{0, word(colorOf)}, {1, word(wrongValue<uint32_t, 0xDEAD>)}, {10, word(registerColor)}})},
+    {u"flags32", 2, u"TestColor", 4, accessors({{1, word(flags32Of)}, {2, word(wrongValue<uint64_t, 0xDEAD>)}})},
+    {u"flags64", 2, u"TestColor", 4, accessors({{2, word(flags64Of)}})},
+    {u"inner", 2, u"TestInner", 0, accessors({{4, word(memberAddress<&Widget::inner>)}, {8, word(loadDirectly)}})},
     {u"link", 2, u"TestInner", 1, accessors({{5, word(nullLink)}})},
+    {u"next", 2, u"TestWidget", 1, accessors({{4, word(memberAddress<&Widget::next>)}})},
     // Word 6 fills the whole property and is preferred to all others.
     {u"stored", 2, u"int", 0, accessors({{6, word(storeWhole)}, {4, word(innerCountAddress)}})},
     // Words 11 and 12 are kept and never called: no property.
@@ -321,47 +256,52 @@ const kstd_persistentPropertyInfoDefinition innerDefinitions[]{
 };
 const kstd_persistentStaticPropertyList innerProperties{innerDefinitions, std::size(innerDefinitions)};
 
+const kstd_persistentPropertyInfoDefinition brokenDefinitions[]{
+    {u"lost", 2, u"TestNeverRegistered", 0, accessors({{4, word(memberAddress<&Widget::number>)}})},
+};
+const kstd_persistentStaticPropertyList brokenProperties{brokenDefinitions, std::size(brokenDefinitions)};
+
 // ---- Registration -----------------------------------------------------------------
 
 struct Registered {
-    uint32_t widgetFlag, innerFlag, colorFlag, colorBitsFlag, boxFlag, looseBoxFlag;
-    kstd_persistentType widget, inner, color, colorBits, box, looseBox;
-    ModuleTypes types;
+    uint32_t widgetFlag, innerFlag, colorFlag, colorBitsFlag, boxFlag, looseBoxFlag, brokenFlag;
+    kstd_persistentType widget, inner, color, colorBits, box, looseBox, broken;
 };
 
 Registered registered{};
 
 kstd_result registerColor() {
-    return kstd_persistentTypeRegisterTypeEnum(u"TestColor", 1, 2, 3, 4, &emptyAccess, &emptyAccess, nullptr,
-                                               nullptr, &registered.colorFlag, &registered.colorBitsFlag,
+    return kstd_persistentTypeRegisterTypeEnum(u"TestColor", 1, 2, 3, 4, &valueAccessTable, &valueAccessTable,
+                                               nullptr, nullptr, &registered.colorFlag, &registered.colorBitsFlag,
                                                &registered.color, &registered.colorBits);
 }
 
 ModuleTypes registerModule() {
+    Registered& r = registered;
     EXPECT_EQ(registerColor(), 0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"TestInner", &plainObjects<Inner>, &emptyAccess, &innerProperties, 0,
-                                                    &registered.innerFlag, &registered.inner),
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"TestInner", &objectTableOf<Inner>, &valueAccessTable,
+                                                    &innerProperties, 0, &r.innerFlag, &r.inner),
               0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"TestWidget", &widgetObjects, &widgetAccess, &widgetProperties,
-                                                           &widgetMinimal, 0, &registered.widgetFlag,
-                                                           &registered.widget),
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"TestWidget", &widgetObjects, &widgetAccess,
+                                                           &widgetProperties, &widgetMinimal, 0, &r.widgetFlag,
+                                                           &r.widget),
               0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectContainer(
-                  u"TestBox", &plainObjects<Box>, &emptyAccess, nullptr, &boxTable, u"k_Int32",
-                  kstd_persistentTypeRegisterType_k_Int32, 0, &registered.boxFlag, &registered.box),
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectContainer(u"TestBox", &objectTableOf<Box>, &valueAccessTable,
+                                                             nullptr, &boxTable, u"k_Int32",
+                                                             kstd_persistentTypeRegisterType_k_Int32, 0, &r.boxFlag,
+                                                             &r.box),
               0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectContainer(u"TestLooseBox", &plainObjects<Box>, &emptyAccess,
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectContainer(u"TestLooseBox", &objectTableOf<Box>, &valueAccessTable,
                                                              nullptr, &boxTable, u"TestNeverRegisteredItem",
-                                                             registerNothing, 0, &registered.looseBoxFlag,
-                                                             &registered.looseBox),
+                                                             registerNothing, 0, &r.looseBoxFlag, &r.looseBox),
               0);
-    return ModuleTypes{&registered.widget, &registered.inner, &registered.color,
-                       &registered.colorBits, &registered.box, &registered.looseBox};
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"TestBroken", &objectTableOf<Widget>, &valueAccessTable,
+                                                    &brokenProperties, 0, &r.brokenFlag, &r.broken),
+              0);
+    return ModuleTypes{&r.widget, &r.inner, &r.color, &r.colorBits, &r.box, &r.looseBox, &r.broken};
 }
 
 }  // namespace
-
-WidgetCalls& widgetCalls() { return calls; }
 
 const kstd_persistentContainerVtable* boxOperations() { return &boxTable; }
 
@@ -373,13 +313,17 @@ const ModuleTypes& moduleTypes() {
 void startModule() {
     moduleTypes();
     // The vector and shared-pointer types the tests use.
-    Handle type;
-    kstd_persistentTypeGetType_kstd_vector32s(&type.t, 1);
-    kstd_persistentTypeGetType_kstd_vectord(&type.t, 1);
-    kstd_persistentTypeGetType_kstd_vector8(&type.t, 1);
-    // The variant looks up the core types once.
-    VariantBox variant;
-    kstd_persistentVariant_setValue_int(&variant.v, 0);
+    Type type;
+    kstd_persistentTypeGetType_kstd_vector32s(type, 1);
+    kstd_persistentTypeGetType_kstd_vectord(type, 1);
+    kstd_persistentTypeGetType_kstd_vector8(type, 1);
+    // The variant looks up the core types once; a first store interns the
+    // names its properties bring and resolves the widget's entries.
+    Variant variant;
+    kstd_persistentVariant_setValue_int(variant, 0);
+    NewWidget widget;
+    Bag bag;
+    kstd_persistentType_transferObjectPersistentProperties(moduleTypes().widget, widget.get(), bag);
 }
 
 }  // namespace vexpers::test
