@@ -132,6 +132,8 @@ VEXPERS_API kstd_result kstd_persistentProperty_getDataAccess(const kstd_persist
  *     of the same names; every argument is required.
  *   _getArrayBeginSizeIntPtr and its Const form: the variant's function of
  *     that name (first element, or container, and count of an array value).
+ *   _getContainer: kstd_persistentVariant_getContainer on the value (every
+ *     output required).
  *   _getSubpropertyUsingName: kstd_persistentVariant_getPropertyUsingName on
  *     the value: the property of the held object named by the dotted path
  *     `name` (which may be null: 0x800040C3).
@@ -154,6 +156,11 @@ VEXPERS_API kstd_result kstd_persistentProperty_getArrayBeginSizeIntPtr(kstd_per
                                                                         void** begin, intptr_t* count);
 VEXPERS_API kstd_result kstd_persistentProperty_getArrayBeginSizeIntPtrConst(const kstd_persistentProperty* property,
                                                                              const void** begin, intptr_t* count);
+VEXPERS_API kstd_result kstd_persistentProperty_getContainer(const kstd_persistentProperty* property,
+                                                             void** container, uint32_t* containerValue,
+                                                             uint32_t* elementSize, void** first, intptr_t* count,
+                                                             const kstd_persistentContainerVtable** table,
+                                                             kstd_persistentType* elementType);
 VEXPERS_API kstd_result kstd_persistentProperty_getSubpropertyUsingName(const kstd_persistentProperty* property,
                                                                         const char16_t* name,
                                                                         kstd_persistentProperty* subproperty);
@@ -202,6 +209,10 @@ VEXPERS_API kstd_result kstd_persistentProperty_getNumItemsIfArray(const kstd_pe
  *   _resetInfoAndValuePointerNull, _resetInfoAndValueArrayEmpty: assign the
  *     descriptor (required), then the value is a null pointer or an empty
  *     array of the descriptor's type.
+ *   _resetInfoAndValueArrayAndAlloc: assign the descriptor, then the value is
+ *     a new array of `count` elements of the descriptor's type
+ *     (kstd_persistentVariant_setValueUsingTypeArrayAndAlloc; `first` and
+ *     `elementSize` are optional outputs).
  */
 VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValue(kstd_persistentProperty* property,
                                                                   const kstd_persistentPropertyInfo* info,
@@ -224,6 +235,9 @@ VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValuePointerNull(kst
                                                                              const kstd_persistentPropertyInfo* info);
 VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValueArrayEmpty(kstd_persistentProperty* property,
                                                                             const kstd_persistentPropertyInfo* info);
+VEXPERS_API kstd_result kstd_persistentProperty_resetInfoAndValueArrayAndAlloc(
+    kstd_persistentProperty* property, const kstd_persistentPropertyInfo* info, int32_t count, void** first,
+    uint32_t* elementSize);
 
 /*
  * The typed family, one pair per scalar, character and unicode-string type T.

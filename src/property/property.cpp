@@ -168,6 +168,16 @@ VEXPERS_EXPORT kstd_result kstd_persistentProperty_getArrayBeginSizeIntPtrConst(
     return kstd_persistentVariant_getArrayBeginSizeIntPtrConst(&property->value, begin, count);
 }
 
+VEXPERS_EXPORT kstd_result kstd_persistentProperty_getContainer(const kstd_persistentProperty* property,
+                                                                void** container, uint32_t* containerValue,
+                                                                uint32_t* elementSize, void** first, intptr_t* count,
+                                                                const kstd_persistentContainerVtable** table,
+                                                                kstd_persistentType* elementType) {
+    VEXPERS_REQUIRE(property != nullptr);
+    return kstd_persistentVariant_getContainer(&property->value, container, containerValue, elementSize, first, count,
+                                               table, elementType);
+}
+
 VEXPERS_EXPORT kstd_result kstd_persistentProperty_getSubpropertyUsingName(const kstd_persistentProperty* property,
                                                                            const char16_t* name,
                                                                            kstd_persistentProperty* subproperty) {
@@ -309,4 +319,14 @@ VEXPERS_EXPORT kstd_result kstd_persistentProperty_resetInfoAndValueArrayEmpty(
     VEXPERS_REQUIRE(info != nullptr);
     VEXPERS_TRY(kstd_persistentPropertyInfo_assign(&property->info, info));
     return kstd_persistentVariant_setValueUsingTypeArrayEmpty(&property->value, &property->info.type);
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentProperty_resetInfoAndValueArrayAndAlloc(
+    kstd_persistentProperty* property, const kstd_persistentPropertyInfo* info, int32_t count, void** first,
+    uint32_t* elementSize) {
+    VEXPERS_REQUIRE(property != nullptr);
+    VEXPERS_REQUIRE(info != nullptr);
+    VEXPERS_TRY(kstd_persistentPropertyInfo_assign(&property->info, info));
+    return kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(&property->value, &property->info.type, count, first,
+                                                                 elementSize);
 }

@@ -9,6 +9,7 @@
 // before it publishes the flag with release order.
 #include <atomic>
 
+#include "vexpers/property.h"
 #include "vexpers/variant.h"
 #include "vexpers/vector.h"
 
@@ -78,6 +79,35 @@ kstd_result deletePointer(void** object) {
     const kstd_result result = lifecycle::deleteRecord<P>(&typed, Destruct);
     *object = typed;
     return result;
+}
+
+// The store accessor of "ptr": one property whose descriptor has the pointee's
+// own type name (or, for an empty pointer or an untyped pointee, the pointer's
+// base type name) with
+// the pointer derivation, and whose value points at the whole shared object.
+// The property also keeps a reference to the object, so that a tree or
+// processor that records it keeps it alive.
+template <class P>
+kstd_result storePointee(const void* object, kstd_persistentProperty* property) {
+    const P* pointer = static_cast<const P*>(object);
+    const char16_t* typeName = nullptr;
+    if (pointer->shared != nullptr) VEXPERS_TRY(kstd_shared_getTypename(pointer->shared, &typeName));
+    if (typeName == nullptr) typeName = pointer->baseTypename;
+    if (typeName == nullptr || typeName[0] == 0) return kstd_persistentResult_typeNotRegistered;
+    kstd_persistentType type;
+    VEXPERS_TRY(kstd_persistentType_construct(&type));
+    VEXPERS_DEFER { kstd_persistentType_destruct(&type); };
+    VEXPERS_TRY(kstd_persistentType_resetTypeNameAndDerivation(&type, typeName, kstd_persistentTypeDerivation_pointer));
+    void* whole = nullptr;
+    if (pointer->shared != nullptr) VEXPERS_TRY(kstd_shared_getWhole(pointer->shared, &whole));
+    VEXPERS_TRY(kstd_persistentProperty_resetInfoAndValueUsingType(property, &type, u"ptr", 2, whole));
+    return kstd_ptrh_assignShared(&property->value.sharedObject, pointer->shared);
+}
+
+constexpr kstd_persistentPropertyAccessors pointeeAccessors(kstd_result (*store)(const void*, kstd_persistentProperty*)) {
+    kstd_persistentPropertyAccessors accessors{};
+    accessors.slots.storeAccessor = store;
+    return accessors;
 }
 
 // ---- Vectors: the container operations --------------------------------------------
@@ -236,9 +266,9 @@ kstd_result getBuiltin(kstd_persistentType* type, uint32_t registerIfNeeded, kst
         newPointer<stem, stem##_constructEmpty, stem##_destruct>,                                         \
         newPointerClone<stem, stem##_constructEmpty, stem##_assign, stem##_destruct>,                     \
         deletePointer<stem, stem##_destruct>};                                                            \
-    /* Storing and loading the pointee belong to decomposing and composing. */                            \
     constexpr kstd_persistentPropertyInfoDefinition stem##_definitions[1]{                                \
-        {u"ptr", 2, u"void", kstd_persistentTypeDerivation_pointer, {}}};                                 \
+        {u"ptr", 2, u"void", kstd_persistentTypeDerivation_pointer,                                       \
+         pointeeAccessors(storePointee<stem>)}};                                             \
     VEXPERS_BUILTIN_COMMON(stem)
 
 #define VEXPERS_BUILTIN_VECTOR(stem, element, item, stride)                                               \

@@ -309,3 +309,57 @@ TEST(BuiltinTypes, PropertyAndBagMembers) {
 }
 
 }  // namespace
+
+namespace {
+
+using namespace vexpers::test;
+
+// Storing a shared pointer gives one property "ptr": the pointee's type with
+// the pointer derivation, pointing at the whole object; an empty pointer gives
+// a null pointer of its base type; without any type name the store fails.
+TEST(BuiltinSharedPointers, StoreThePointeeAsOneProperty) {
+    startModule();
+    LiveBlockCheck leaks;
+    {
+        Widget* widget = nullptr;
+        ASSERT_EQ(kstd_persistentType_newObject(moduleTypes().widget, reinterpret_cast<void**>(&widget)), 0);
+        kstd_ptrh pointer;
+        ASSERT_EQ(kstd_ptrh_constructBaseTypename(&pointer, &widget->header, u"TestWidget"), 0);
+        kstd_persistentPropertyBag bag;
+        kstd_persistentPropertyBag_construct(&bag);
+        Handle ptrhType;
+        ASSERT_EQ(kstd_persistentTypeGetType_kstd_ptrh(&ptrhType.t, 1), 0);
+
+        ASSERT_EQ(kstd_persistentType_transferObjectPersistentProperties(&ptrhType.t, &pointer, &bag), 0);
+        const kstd_persistentProperty* stored = nullptr;
+        ASSERT_EQ(kstd_persistentPropertyBag_getPropertyPtrConstUsingName(&bag, u"ptr", &stored), 0);
+        ASSERT_NE(stored, nullptr);
+        EXPECT_EQ(typeName(stored->info.type), u"TestWidget");
+        EXPECT_EQ(derivationOf(stored->info.type), kstd_persistentTypeDerivation_pointer);
+        uint32_t dataAccess = 0;
+        kstd_persistentProperty_getDataAccess(stored, &dataAccess);
+        EXPECT_EQ(dataAccess, 2u);
+        void* whole = nullptr;
+        ASSERT_EQ(kstd_persistentVariant_getWholeObject(&stored->value, &whole), 0);
+        EXPECT_EQ(whole, widget);
+
+        // Empty: a null pointer of the base type.
+        kstd_ptrh_reset(&pointer);
+        ASSERT_EQ(kstd_persistentType_transferObjectPersistentProperties(&ptrhType.t, &pointer, &bag), 0);
+        ASSERT_EQ(kstd_persistentPropertyBag_getPropertyPtrConstUsingName(&bag, u"ptr", &stored), 0);
+        uint32_t isNull = 0;
+        kstd_persistentProperty_getIsNullPointer(stored, &isNull);
+        EXPECT_EQ(isNull, 1u);
+
+        kstd_ptrh anonymous;
+        kstd_ptrh_constructEmpty(&anonymous);
+        EXPECT_EQ(kstd_persistentType_transferObjectPersistentProperties(&ptrhType.t, &anonymous, &bag),
+                  kstd_persistentResult_typeNotRegistered);
+        kstd_ptrh_destruct(&anonymous);
+        kstd_ptrh_destruct(&pointer);
+        kstd_persistentPropertyBag_destruct(&bag);
+    }
+    EXPECT_EQ(leaks.leaked(), 0);
+}
+
+}  // namespace

@@ -1,5 +1,3 @@
-#include <cstring>
-
 #include "property/property_test_support.hpp"
 
 namespace {
@@ -68,7 +66,7 @@ TEST(Property, FreshTypedAndCombinedResets) {
     EXPECT_EQ(later, 42);
 }
 
-TEST(Property, StringsAndCopies) {
+TEST(Property, StringForms) {
     Property property;
     ASSERT_EQ(kstd_persistentProperty_resetInfoAndValueStringA(&property.p, u"Town", 2, "K\xc3\xb6ln"), 0);
     int32_t coreTypeId = -1;
@@ -79,29 +77,13 @@ TEST(Property, StringsAndCopies) {
     EXPECT_EQ(text(wide), u"K\u00f6ln");
     void* memory = wide;
     ksys_memory_free_internal(&memory);
-
-    kstd_unicodeString string;
-    kstd_unicodeString_construct(&string);
-    kstd_unicodeString_assignStringW(&string, u"text");
-    ASSERT_EQ(kstd_persistentProperty_resetInfoAndValue_kstd_unicodeString(&property.p, u"Note", 3, &string), 0);
-    kstd_unicodeString_reset(&string);
-
-    // Heap copies share the value and keep the descriptor with its index.
-    property.p.info.globalIndex = 12;
-    kstd_persistentProperty* copy = nullptr;
-    ASSERT_EQ(kstd_persistentProperty_newClone(&copy, &property.p), 0);
-    EXPECT_EQ(kstd_persistentProperty_getValue_kstd_unicodeString(copy, &string), 0);
-    const char16_t* chars = nullptr;
-    kstd_unicodeString_getStringW(&string, &chars, nullptr);
-    EXPECT_EQ(text(chars), u"text");
-    EXPECT_EQ(copy->info.globalIndex, 12);
-    EXPECT_EQ(kstd_persistentProperty_delete(&copy), 0);
-    EXPECT_EQ(copy, nullptr);
-    kstd_unicodeString_destruct(&string);
-
-    EXPECT_EQ(kstd_persistentProperty_reset(&property.p), 0);
-    EXPECT_EQ(nameOf(property.p), u"(null)");
-    EXPECT_EQ(property.p.info.globalIndex, -1);
+    ASSERT_EQ(kstd_persistentProperty_resetInfoAndValueString32(&property.p, u"Wide", 2, U"\U0001F600"), 0);
+    EXPECT_EQ(kstd_persistentProperty_getCoreTypeId(&property.p, &coreTypeId), 0);
+    EXPECT_EQ(coreTypeId, kstd_persistentCoreTypeId_string32);
+    ASSERT_EQ(kstd_persistentProperty_getValueCloneString16(&property.p, &wide), 0);
+    EXPECT_EQ(text(wide), u"\U0001F600");
+    memory = wide;
+    ksys_memory_free_internal(&memory);
 }
 
 TEST(Property, LeafAndArrayKindsFollowTheValue) {
@@ -137,6 +119,35 @@ TEST(Property, LeafAndArrayKindsFollowTheValue) {
     EXPECT_EQ(array, kstd_persistentArrayKind_coreItems);
     EXPECT_EQ(isNull, 0u);
     EXPECT_EQ(items, 0);
+
+    // Three allocated items: not a leaf; the container description says so.
+    void* allocated = nullptr;
+    uint32_t elementSize = 0;
+    ASSERT_EQ(kstd_persistentProperty_resetInfoAndValueArrayAndAlloc(&property.p, &info.p.info, 3, &allocated,
+                                                                     &elementSize),
+              0);
+    kinds(&leaf, &array, &isNull, &items);
+    EXPECT_EQ(leaf, kstd_persistentLeafKind_none);
+    EXPECT_EQ(items, 3);
+    EXPECT_EQ(elementSize, 8u);
+    void* container = &info;
+    uint32_t containerValue = 9, size = 0;
+    void* begin = nullptr;
+    intptr_t described = 0;
+    const kstd_persistentContainerVtable* table = &listTable;
+    TypeHandle itemType;
+    ASSERT_EQ(kstd_persistentProperty_getContainer(&property.p, &container, &containerValue, &size, &begin,
+                                                   &described, &table, &itemType.t),
+              0);
+    EXPECT_EQ(container, nullptr);
+    EXPECT_EQ(containerValue, 0u);
+    EXPECT_EQ(size, 8u);
+    EXPECT_EQ(begin, allocated);
+    EXPECT_EQ(described, 3);
+    EXPECT_EQ(table, nullptr);
+    uint32_t itemDerivation = 9;
+    EXPECT_EQ(kstd_persistentType_getTypeDerivation(&itemType.t, &itemDerivation), 0);
+    EXPECT_EQ(itemDerivation, kstd_persistentTypeDerivation_value);
 
     // Three items in a container: not a leaf.
     IntList list{{1, 2, 3, 0}, 3};
