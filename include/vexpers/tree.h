@@ -59,6 +59,17 @@ VEXPERS_EXTERN_C_BEGIN
 #define kstd_persistentPropertyNodeSectionType_startWithValue 3u
 #define kstd_persistentPropertyNodeSectionType_none 0xFFFFFFFFu
 
+/* Limits on what a tree holds. Ids read from a file are checked against the
+ * first; the node count bounds what a stream of sections can build; the third
+ * bounds the array a section allocates for a count read from a file. */
+/** Highest object id the registry records (ids 0 .. 2,147,483,646). */
+#define kstd_persistentPropertyTree_maxObjectId 0x7FFFFFFE
+/** Most nodes one tree holds at once; allocating one more fails with
+ *  ksys_result_outOfMemory. */
+#define kstd_persistentPropertyTree_maxNodes 0x2000000
+/** Most bytes (count times element size) setPropertyArrayAndAlloc allocates. */
+#define kstd_persistentPropertyNodeSection_maxArrayBytes 0x40000000
+
 /* Leaf kinds: 0 not a leaf, 1 core value, 2 null pointer, 3 empty array,
  * 4 reference to an object that already has an id. Array kinds: 0 not an
  * array, 1 core items, 2 other items. */

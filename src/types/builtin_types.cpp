@@ -14,6 +14,7 @@
 #include "vexpers/vector.h"
 
 #include "frame/lifecycle.hpp"
+#include "tree/compose.hpp"
 #include "types/builtin_types.hpp"
 #include "types/registry.hpp"
 
@@ -104,9 +105,14 @@ kstd_result storePointee(const void* object, kstd_persistentProperty* property) 
     return kstd_ptrh_assignShared(&property->value.sharedObject, pointer->shared);
 }
 
-constexpr kstd_persistentPropertyAccessors pointeeAccessors(kstd_result (*store)(const void*, kstd_persistentProperty*)) {
+// The accessor words of "ptr": the store accessor and the direct load
+// accessor.
+constexpr kstd_persistentPropertyAccessors pointeeAccessors(
+    kstd_result (*store)(const void*, kstd_persistentProperty*),
+    kstd_result (*load)(void*, const kstd_persistentType*, const kstd_persistentPropertyNode*)) {
     kstd_persistentPropertyAccessors accessors{};
     accessors.slots.storeAccessor = store;
+    accessors.slots.directLoadAccessor = load;
     return accessors;
 }
 
@@ -150,15 +156,17 @@ kstd_result locateItems(void* object, void** first, void** second) {
     return 0;
 }
 
-// The accessor words of "items": the member locator and the item type's
-// registration.
+// The accessor words of "items": the member locator, the member load
+// accessor and the item type's registration.
 constexpr kstd_persistentPropertyAccessors itemsAccessors(kstd_result (*locator)(void*, void**, void**),
                                                           kstd_result (*registerItemType)()) {
     kstd_persistentPropertyAccessors accessors{};
     accessors.slots.memberLocator = locator;
+    accessors.slots.memberLoadAccessor = vexpers::tree::loadVectorItems;
     accessors.slots.entryTypeRegistration = registerItemType;
     return accessors;
 }
+
 
 // ---- Value access -------------------------------------------------------------------
 
@@ -268,7 +276,7 @@ kstd_result getBuiltin(kstd_persistentType* type, uint32_t registerIfNeeded, kst
         deletePointer<stem, stem##_destruct>};                                                            \
     constexpr kstd_persistentPropertyInfoDefinition stem##_definitions[1]{                                \
         {u"ptr", 2, u"void", kstd_persistentTypeDerivation_pointer,                                       \
-         pointeeAccessors(storePointee<stem>)}};                                             \
+         pointeeAccessors(storePointee<stem>, vexpers::tree::SharedPointerLoad<stem>::load)}};            \
     VEXPERS_BUILTIN_COMMON(stem)
 
 #define VEXPERS_BUILTIN_VECTOR(stem, element, item, stride)                                               \
@@ -290,7 +298,6 @@ kstd_result getBuiltin(kstd_persistentType* type, uint32_t registerIfNeeded, kst
         contiguousLayout<(stride)>,                                                                       \
         containerElement<stem, element, stem##_getNextElement>,                                           \
         assignContainerElements<stem, element, stem##_assignElements>};                                   \
-    /* Loading the items belongs to composing. */                                                         \
     constexpr kstd_persistentPropertyInfoDefinition stem##_definitions[1]{                                \
         {u"items", 2, VEXPERS_BUILTIN_TEXT(item), kstd_persistentTypeDerivation_array,                    \
          itemsAccessors(locateItems<&stem##_container>, kstd_persistentTypeRegisterType_##item)}};        \

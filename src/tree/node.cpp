@@ -1,0 +1,592 @@
+// Property nodes: setting a node's value, the start/end protocol by which a
+// tree is rebuilt from sections, navigation and lookups, the descriptor and
+// value accessors, and freeing a subtree without recursion.
+#include <bit>
+
+#include "tree/tree_internal.hpp"
+
+namespace vexpers::tree {
+namespace {
+
+bool isEmptyName(const char16_t* name) { return name == nullptr || name[0] == 0; }
+
+// Whether a section's flag word is one that writers make: only defined bits;
+// a leaf bit with exactly one kind bit, kind bits only with it; at most one
+// array kind; compound only without leaf and array bits.
+bool isWellFormed(uint32_t flags) {
+    if ((flags & ~flag::known) != 0) return false;
+    const int kinds = std::popcount(flags & flag::leafKindBits);
+    if ((flags & flag::leaf) != 0 ? kinds != 1 : kinds != 0) return false;
+    if (allSet(flags, flag::arrayCore | flag::arrayOther)) return false;
+    if ((flags & flag::compound) != 0 && (flags & (flag::leaf | flag::arrayCore | flag::arrayOther)) != 0)
+        return false;
+    return true;
+}
+
+kstd_result startFromSection(Node* node, const Section* section) {
+    if ((node->flags & flag::started) != 0) return ksys_result_failure;
+    const uint32_t type = section->sectionType;
+    if (type != kstd_persistentPropertyNodeSectionType_start && type != kstd_persistentPropertyNodeSectionType_leaf &&
+        type != kstd_persistentPropertyNodeSectionType_startWithValue)
+        return ksys_result_failure;
+    if (!isWellFormed(section->flags) || section->objectId < -1 || section->numItems < 0) return ksys_result_failure;
+    VEXPERS_TRY(kstd_persistentPropertyInfo_assign(&node->info, &section->info));
+    // The started and ended bits of a section describe the node it was
+    // written from; this node's state comes from the protocol alone.
+    node->flags = section->flags & ~(flag::started | flag::ended);
+    node->objectId = section->objectId;
+    node->numItems = section->numItems;
+    if (type != kstd_persistentPropertyNodeSectionType_start && !allSet(section->flags, flag::reference))
+        VEXPERS_TRY(setValue(node, &section->property));
+    node->flags |= flag::hasInfo | flag::started;
+    if (type == kstd_persistentPropertyNodeSectionType_leaf) node->flags |= flag::ended;
+    return 0;
+}
+
+bool isOpen(const Node* node) {
+    return (node->flags & flag::started) != 0 && (node->flags & flag::ended) == 0;
+}
+
+// Appends a new child to an open node; *child is the new node.
+kstd_result appendNewChild(Node* node, Node** child) {
+    if (!isOpen(node)) return ksys_result_failure;
+    VEXPERS_REQUIRE(node->owner != nullptr);
+    VEXPERS_TRY(allocNode(node->owner, child));
+    appendChild(node, *child);
+    return 0;
+}
+
+kstd_result matchingChild(const Node* node, const char16_t* name, uint32_t mustExist, const Node** child) {
+    *child = nullptr;
+    if (isEmptyName(name)) return kstd_persistentResult_invalidPropertyName;
+    for (const Node* c = node->firstChild; c != nullptr; c = c->nextSibling) {
+        uint32_t matches = 0;
+        VEXPERS_TRY(kstd_persistentPropertyInfo_doesNameMatch(&c->info, name, &matches));
+        if (matches != 0) {
+            *child = c;
+            return 0;
+        }
+    }
+    return mustExist != 0 ? kstd_persistentResult_propertyNotFound : 0;
+}
+
+// The node's property when it is a leaf with a value, else null.
+const kstd_persistentProperty* leafPropertyOf(const Node* node) {
+    return allSet(node->flags, flag::leaf | flag::hasValue) ? &node->leafProperty : nullptr;
+}
+
+// The registered type that `info` names: its own record when that is a
+// registered one, else the registry's record of the same name and derivation.
+// *registered is false when there is none.
+kstd_result lookUpType(const kstd_persistentPropertyInfo* info, kstd_persistentType* type, bool* registered) {
+    *registered = false;
+    uint32_t isKnown = 0;
+    if (kstd_persistentType_getIsKnown(&info->type, &isKnown) < 0) return 0;  // an empty type names nothing
+    if (isKnown != 0) {
+        *registered = true;
+        return kstd_persistentType_assign(type, &info->type);
+    }
+    const char16_t* name = nullptr;
+    uint32_t derivation = 0;
+    VEXPERS_TRY(kstd_persistentType_getTypeName(&info->type, &name));
+    VEXPERS_TRY(kstd_persistentType_getTypeDerivation(&info->type, &derivation));
+    if (isEmptyName(name)) return 0;
+    *registered = kstd_persistentTypeGetType(name, derivation, 1, type) >= 0;
+    return 0;
+}
+
+// Reads the leaf value of the child `name`, or of the node itself when it
+// has no such child.
+template <class T, kstd_result (*Get)(const kstd_persistentProperty*, T*)>
+kstd_result readEnumLeaf(const Node* node, const char16_t* name, T* value) {
+    VEXPERS_REQUIRE(value != nullptr);
+    *value = 0;
+    VEXPERS_REQUIRE(node != nullptr);
+    const Node* child = nullptr;
+    VEXPERS_TRY(matchingChild(node, name, 0, &child));
+    const kstd_persistentProperty* property = leafPropertyOf(child != nullptr ? child : node);
+    if (property == nullptr) return ksys_result_failure;
+    return Get(property, value);
+}
+
+}  // namespace
+
+kstd_result setValue(Node* node, const kstd_persistentProperty* property) {
+    VEXPERS_TRY(kstd_persistentProperty_getInfo(property, &node->info));
+    VEXPERS_TRY(kstd_persistentProperty_assign(&node->leafProperty, property));
+    VEXPERS_TRY(kstd_persistentProperty_getNumItemsIfArray(property, &node->numItems));
+    node->objectId = -1;
+    node->flags |= flag::hasInfo | flag::hasValue;
+    uint32_t isLeaf = 0;
+    uint32_t leafKind = 0;
+    VEXPERS_TRY(kstd_persistentProperty_getIsLeaf(property, &isLeaf, &leafKind));
+    VEXPERS_REQUIRE(leafKind <= 4);
+    node->flags |= leafKindFlags(leafKind);
+    uint32_t isArray = 0;
+    uint32_t arrayKind = 0;
+    VEXPERS_TRY(kstd_persistentProperty_getIsArray(&node->leafProperty, &isArray, &arrayKind));
+    VEXPERS_REQUIRE(arrayKind <= 2);
+    if (arrayKind == 1) node->flags |= flag::arrayCore;
+    if (arrayKind == 2) node->flags |= flag::arrayOther;
+    if (leafKind == 0 && arrayKind == 0) node->flags |= flag::compound;
+    return 0;
+}
+
+kstd_result freeSubtree(Node* node) {
+    // The nodes still to free form one list through their sibling links: a
+    // node's children are spliced in ahead of the rest before it goes.
+    kstd_result first = 0;
+    node->nextSibling = nullptr;
+    for (Node* work = node; work != nullptr;) {
+        Node* current = work;
+        work = current->nextSibling;
+        if (current->firstChild != nullptr) {
+            Node* last = current->lastChild;
+            if (last == nullptr)  // only a caller that edited the links leaves it out
+                for (last = current->firstChild; last->nextSibling != nullptr; last = last->nextSibling) {
+                }
+            last->nextSibling = work;
+            work = current->firstChild;
+        }
+        Tree* owner = current->owner;
+        kstd_result result = kstd_persistentPropertyInfo_destruct(&current->info);
+        const kstd_result propertyResult = kstd_persistentProperty_destruct(&current->leafProperty);
+        if (result >= 0) result = propertyResult;
+        if (first >= 0 && result < 0) first = result;
+        if (owner != nullptr) {
+            result = kblk_free(&owner->nodeAllocator, current);
+            if (first >= 0 && result < 0) first = result;
+        }
+    }
+    return first;
+}
+
+kstd_result freeChildren(Node* node) {
+    Node* child = node->firstChild;
+    node->firstChild = nullptr;
+    node->lastChild = nullptr;
+    kstd_result first = 0;
+    while (child != nullptr) {
+        Node* next = child->nextSibling;
+        const kstd_result result = freeSubtree(child);
+        if (first >= 0 && result < 0) first = result;
+        child = next;
+    }
+    return first;
+}
+
+}  // namespace vexpers::tree
+
+using namespace vexpers::tree;
+
+// ---- Start/end protocol ------------------------------------------------------------------
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_startNode(kstd_persistentPropertyNode* node,
+                                                                 const kstd_persistentPropertyNodeSection* section) {
+    VEXPERS_REQUIRE(node != nullptr);
+    VEXPERS_REQUIRE(section != nullptr);
+    return startFromSection(node, section);
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_startAndEndLeafNode(
+    kstd_persistentPropertyNode* node, const kstd_persistentPropertyNodeSection* section) {
+    VEXPERS_REQUIRE(node != nullptr);
+    VEXPERS_REQUIRE(section != nullptr);
+    if (section->sectionType != kstd_persistentPropertyNodeSectionType_leaf) return ksys_result_failure;
+    return startFromSection(node, section);
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_startChildNode(kstd_persistentPropertyNode* node,
+                                                                      const kstd_persistentPropertyNodeSection* section,
+                                                                      kstd_persistentPropertyNode** child) {
+    VEXPERS_REQUIRE(child != nullptr);
+    *child = nullptr;
+    VEXPERS_REQUIRE(node != nullptr);
+    VEXPERS_REQUIRE(section != nullptr);
+    VEXPERS_TRY(appendNewChild(node, child));
+    return startFromSection(*child, section);
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_addChildLeafNode(
+    kstd_persistentPropertyNode* node, const kstd_persistentPropertyNodeSection* section) {
+    VEXPERS_REQUIRE(node != nullptr);
+    VEXPERS_REQUIRE(section != nullptr);
+    Node* child = nullptr;
+    VEXPERS_TRY(appendNewChild(node, &child));
+    return kstd_persistentPropertyNode_startAndEndLeafNode(child, section);
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_endNode(kstd_persistentPropertyNode* node) {
+    VEXPERS_REQUIRE(node != nullptr);
+    if ((node->flags & flag::started) == 0) return ksys_result_failure;
+    if ((node->flags & flag::leaf) == 0 && (node->flags & flag::ended) != 0) return ksys_result_failure;
+    node->flags |= flag::ended;
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_isMatchingEnd(const kstd_persistentPropertyNode* node,
+                                                                     const kstd_persistentPropertyNodeSection* section,
+                                                                     uint32_t* matches) {
+    VEXPERS_REQUIRE(matches != nullptr);
+    *matches = 0;
+    VEXPERS_REQUIRE(node != nullptr);
+    VEXPERS_REQUIRE(section != nullptr);
+    if (section->sectionType != kstd_persistentPropertyNodeSectionType_end) return 0;
+    const char16_t* name = nullptr;
+    VEXPERS_TRY(kstd_persistentPropertyInfo_getName(&section->info, &name));
+    if (isEmptyName(name)) {
+        *matches = 1;
+        return 0;
+    }
+    return kstd_persistentPropertyInfo_doesNameMatch(&node->info, name, matches);
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_setIsStarted(kstd_persistentPropertyNode* node) {
+    VEXPERS_REQUIRE(node != nullptr);
+    node->flags |= flag::started;
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getIsStarted(const kstd_persistentPropertyNode* node,
+                                                                    uint32_t* isStarted) {
+    VEXPERS_REQUIRE(isStarted != nullptr);
+    *isStarted = 0;
+    VEXPERS_REQUIRE(node != nullptr);
+    *isStarted = (node->flags & flag::started) != 0 ? 1 : 0;
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getIsEnded(const kstd_persistentPropertyNode* node,
+                                                                  uint32_t* isEnded) {
+    VEXPERS_REQUIRE(isEnded != nullptr);
+    *isEnded = 0;
+    VEXPERS_REQUIRE(node != nullptr);
+    *isEnded = (node->flags & flag::ended) != 0 ? 1 : 0;
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_resetLeafProperty(kstd_persistentPropertyNode* node,
+                                                                         const kstd_persistentProperty* property) {
+    VEXPERS_REQUIRE(node != nullptr);
+    VEXPERS_REQUIRE(property != nullptr);
+    VEXPERS_TRY(setValue(node, property));
+    node->flags |= flag::started | flag::ended;
+    return 0;
+}
+
+// ---- Navigation and lookups -------------------------------------------------------------
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getFirstChild(kstd_persistentPropertyNode* node,
+                                                                     kstd_persistentPropertyNode** child) {
+    VEXPERS_REQUIRE(child != nullptr);
+    *child = nullptr;
+    VEXPERS_REQUIRE(node != nullptr);
+    *child = node->firstChild;
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getFirstChildConst(const kstd_persistentPropertyNode* node,
+                                                                          const kstd_persistentPropertyNode** child) {
+    VEXPERS_REQUIRE(child != nullptr);
+    *child = nullptr;
+    VEXPERS_REQUIRE(node != nullptr);
+    *child = node->firstChild;
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getNextSibling(kstd_persistentPropertyNode* node,
+                                                                      kstd_persistentPropertyNode** sibling) {
+    VEXPERS_REQUIRE(sibling != nullptr);
+    *sibling = nullptr;
+    VEXPERS_REQUIRE(node != nullptr);
+    *sibling = node->nextSibling;
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getNextSiblingConst(const kstd_persistentPropertyNode* node,
+                                                                           const kstd_persistentPropertyNode** sibling) {
+    VEXPERS_REQUIRE(sibling != nullptr);
+    *sibling = nullptr;
+    VEXPERS_REQUIRE(node != nullptr);
+    *sibling = node->nextSibling;
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getOwner(const kstd_persistentPropertyNode* node,
+                                                                kstd_persistentPropertyTree** owner) {
+    VEXPERS_REQUIRE(owner != nullptr);
+    *owner = nullptr;
+    VEXPERS_REQUIRE(node != nullptr);
+    *owner = node->owner;
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getOwnerBagSet(const kstd_persistentPropertyNode* node,
+                                                                      kstd_persistentPropertyBagSet** bagSet) {
+    VEXPERS_REQUIRE(bagSet != nullptr);
+    *bagSet = nullptr;
+    VEXPERS_REQUIRE(node != nullptr);
+    if (node->owner != nullptr) *bagSet = &node->owner->bagSet;
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_doesNameMatch(const kstd_persistentPropertyNode* node,
+                                                                     const char16_t* name, uint32_t* matches) {
+    VEXPERS_REQUIRE(matches != nullptr);
+    *matches = 0;
+    VEXPERS_REQUIRE(node != nullptr);
+    if (isEmptyName(name)) {
+        *matches = 1;
+        return 0;
+    }
+    return kstd_persistentPropertyInfo_doesNameMatch(&node->info, name, matches);
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getMatchingChild(kstd_persistentPropertyNode* node,
+                                                                        const char16_t* name, uint32_t mustExist,
+                                                                        kstd_persistentPropertyNode** child) {
+    VEXPERS_REQUIRE(child != nullptr);
+    *child = nullptr;
+    VEXPERS_REQUIRE(node != nullptr);
+    const Node* found = nullptr;
+    const kstd_result result = matchingChild(node, name, mustExist, &found);
+    *child = const_cast<Node*>(found);
+    return result;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getMatchingChildConst(const kstd_persistentPropertyNode* node,
+                                                                             const char16_t* name,
+                                                                             uint32_t mustExist,
+                                                                             const kstd_persistentPropertyNode** child) {
+    VEXPERS_REQUIRE(child != nullptr);
+    *child = nullptr;
+    VEXPERS_REQUIRE(node != nullptr);
+    return matchingChild(node, name, mustExist, child);
+}
+
+// ---- Descriptor and value --------------------------------------------------------------------
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getInfo(const kstd_persistentPropertyNode* node,
+                                                               kstd_persistentPropertyInfo* info) {
+    VEXPERS_REQUIRE(node != nullptr);
+    VEXPERS_REQUIRE(info != nullptr);
+    if ((node->flags & flag::hasInfo) == 0) return ksys_result_failure;
+    return kstd_persistentPropertyInfo_assign(info, &node->info);
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_setInfo(kstd_persistentPropertyNode* node,
+                                                               const kstd_persistentPropertyInfo* info) {
+    VEXPERS_REQUIRE(node != nullptr);
+    VEXPERS_REQUIRE(info != nullptr);
+    VEXPERS_TRY(kstd_persistentPropertyInfo_assign(&node->info, info));
+    node->flags |= flag::hasInfo;
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getDataAccess(const kstd_persistentPropertyNode* node,
+                                                                     uint32_t* dataAccess) {
+    VEXPERS_REQUIRE(dataAccess != nullptr);
+    *dataAccess = 0;
+    VEXPERS_REQUIRE(node != nullptr);
+    return kstd_persistentPropertyInfo_getDataAccess(&node->info, dataAccess);
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getPropertyPtrConst(const kstd_persistentPropertyNode* node,
+                                                                           const kstd_persistentProperty** property) {
+    VEXPERS_REQUIRE(property != nullptr);
+    *property = nullptr;
+    VEXPERS_REQUIRE(node != nullptr);
+    if ((node->flags & flag::hasValue) == 0) return ksys_result_failure;
+    *property = &node->leafProperty;
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getLeafPropertyPtrConst(
+    const kstd_persistentPropertyNode* node, const kstd_persistentProperty** property) {
+    VEXPERS_REQUIRE(property != nullptr);
+    *property = nullptr;
+    VEXPERS_REQUIRE(node != nullptr);
+    *property = leafPropertyOf(node);
+    return *property != nullptr ? 0 : ksys_result_failure;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getLeafProperty(const kstd_persistentPropertyNode* node,
+                                                                       kstd_persistentProperty* property) {
+    VEXPERS_REQUIRE(node != nullptr);
+    VEXPERS_REQUIRE(property != nullptr);
+    const kstd_persistentProperty* leaf = leafPropertyOf(node);
+    if (leaf == nullptr) return ksys_result_failure;
+    return kstd_persistentProperty_assign(property, leaf);
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getIsLeaf(const kstd_persistentPropertyNode* node,
+                                                                 uint32_t* isLeaf, uint32_t* leafKind) {
+    VEXPERS_REQUIRE(isLeaf != nullptr);
+    *isLeaf = 0;
+    if (leafKind != nullptr) *leafKind = 0;
+    VEXPERS_REQUIRE(node != nullptr);
+    uint32_t kind = 0;
+    if (!decodeLeafKind(node->flags, &kind)) return ksys_result_failure;
+    *isLeaf = (node->flags & flag::leaf) != 0 ? 1 : 0;
+    if (leafKind != nullptr) *leafKind = kind;
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getIsTerminal(const kstd_persistentPropertyNode* node,
+                                                                     uint32_t* isTerminal) {
+    VEXPERS_REQUIRE(isTerminal != nullptr);
+    *isTerminal = 0;
+    VEXPERS_REQUIRE(node != nullptr);
+    *isTerminal = (node->flags & (flag::leaf | flag::arrayCore)) != 0 ? 1 : 0;
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getIsArrayItem(const kstd_persistentPropertyNode* node,
+                                                                      uint32_t* isArrayItem) {
+    VEXPERS_REQUIRE(isArrayItem != nullptr);
+    *isArrayItem = 0;
+    VEXPERS_REQUIRE(node != nullptr);
+    *isArrayItem = (node->flags & flag::arrayItem) != 0 ? 1 : 0;
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getIsDeleted(const kstd_persistentPropertyNode* node,
+                                                                    uint32_t* isDeleted) {
+    VEXPERS_REQUIRE(isDeleted != nullptr);
+    *isDeleted = 0;
+    VEXPERS_REQUIRE(node != nullptr);
+    *isDeleted = (node->flags & flag::deleted) != 0 ? 1 : 0;
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getObjectId(const kstd_persistentPropertyNode* node,
+                                                                   uint32_t* hasId, int64_t* id,
+                                                                   uint32_t* isReference) {
+    VEXPERS_REQUIRE(hasId != nullptr);
+    VEXPERS_REQUIRE(id != nullptr);
+    VEXPERS_REQUIRE(isReference != nullptr);
+    *hasId = 0;
+    *id = -1;
+    *isReference = 0;
+    VEXPERS_REQUIRE(node != nullptr);
+    *hasId = (node->flags & flag::hasObjectId) != 0 ? 1 : 0;
+    *id = node->objectId;
+    *isReference = allSet(node->flags, flag::reference) ? 1 : 0;
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getEnumAsInt64(const kstd_persistentPropertyNode* node,
+                                                                      const char16_t* name, int64_t* value) {
+    return readEnumLeaf<int64_t, kstd_persistentProperty_getValue_k_Int64>(node, name, value);
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getEnumBitfieldAsUInt64(const kstd_persistentPropertyNode* node,
+                                                                               const char16_t* name,
+                                                                               uint64_t* value) {
+    return readEnumLeaf<uint64_t, kstd_persistentProperty_getValue_k_UInt64>(node, name, value);
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getCoreTypeOrEnumVariant(
+    const kstd_persistentPropertyNode* node, uint32_t required, const kstd_persistentVariant** variant) {
+    VEXPERS_REQUIRE(variant != nullptr);
+    *variant = nullptr;
+    VEXPERS_REQUIRE(node != nullptr);
+    // A step that finds no answer fails with its code only when required.
+    const auto none = [required](kstd_result code) { return required != 0 ? code : 0; };
+    if ((node->flags & flag::arrayItem) != 0) return none(kstd_persistentResult_typeMismatch);
+    if ((node->flags & flag::hasInfo) == 0) return none(ksys_result_failure);
+
+    kstd_persistentType type;
+    VEXPERS_TRY(kstd_persistentType_construct(&type));
+    VEXPERS_DEFER { kstd_persistentType_destruct(&type); };
+    bool registered = false;
+    VEXPERS_TRY(lookUpType(&node->info, &type, &registered));
+    if (registered) {
+        uint32_t isCoreOrEnum = 0;
+        VEXPERS_TRY(kstd_persistentType_getIsCoreTypeOrEnum(&type, &isCoreOrEnum));
+        if (isCoreOrEnum == 0) return none(kstd_persistentResult_typeMismatch);
+        int32_t coreTypeId = -2;
+        VEXPERS_TRY(kstd_persistentType_getCoreTypeId(&type, &coreTypeId));
+        if (coreTypeId >= 0 || (node->flags & flag::leaf) != 0) {
+            *variant = &node->leafProperty.value;
+            return 0;
+        }
+    }
+    // An enum decomposes into a compound node whose child "value" holds it.
+    const Node* child = nullptr;
+    VEXPERS_TRY(matchingChild(node, u"value", 0, &child));
+    if (child == nullptr)
+        return none(registered ? kstd_persistentResult_typeMismatch : kstd_persistentResult_typeNotRegistered);
+    bool childRegistered = false;
+    VEXPERS_TRY(lookUpType(&child->info, &type, &childRegistered));
+    if (!childRegistered) return none(kstd_persistentResult_typeNotRegistered);
+    uint32_t isCoreOrEnum = 0;
+    VEXPERS_TRY(kstd_persistentType_getIsCoreTypeOrEnum(&type, &isCoreOrEnum));
+    if (isCoreOrEnum == 0) return none(kstd_persistentResult_typeMismatch);
+    *variant = &child->leafProperty.value;
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getContainer(const kstd_persistentPropertyNode* node,
+                                                                    void** container, uint32_t* containerValue,
+                                                                    uint32_t* elementSize, void** first,
+                                                                    intptr_t* count,
+                                                                    const kstd_persistentContainerVtable** table,
+                                                                    kstd_persistentType* itemType) {
+    VEXPERS_REQUIRE(container != nullptr && containerValue != nullptr && elementSize != nullptr);
+    VEXPERS_REQUIRE(first != nullptr && count != nullptr && table != nullptr && itemType != nullptr);
+    *container = nullptr;
+    *containerValue = 0;
+    *elementSize = 0;
+    *first = nullptr;
+    *count = 0;
+    *table = nullptr;
+    VEXPERS_TRY(kstd_persistentType_reset(itemType));
+    VEXPERS_REQUIRE(node != nullptr);
+    if ((node->flags & flag::hasValue) == 0) return ksys_result_failure;
+    return kstd_persistentVariant_getContainer(&node->leafProperty.value, container, containerValue, elementSize,
+                                               first, count, table, itemType);
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getArrayBeginSizeIntPtrConst(
+    const kstd_persistentPropertyNode* node, const void** first, intptr_t* count) {
+    VEXPERS_REQUIRE(first != nullptr);
+    VEXPERS_REQUIRE(count != nullptr);
+    *first = nullptr;
+    *count = 0;
+    VEXPERS_REQUIRE(node != nullptr);
+    if ((node->flags & flag::hasValue) == 0) return ksys_result_failure;
+    return kstd_persistentProperty_getArrayBeginSizeIntPtrConst(&node->leafProperty, first, count);
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getArrayBeginSizeIntPtr(const kstd_persistentPropertyNode* node,
+                                                                               void** first, intptr_t* count) {
+    VEXPERS_REQUIRE(first != nullptr);
+    *first = nullptr;
+    const void* begin = nullptr;
+    const kstd_result result = kstd_persistentPropertyNode_getArrayBeginSizeIntPtrConst(node, &begin, count);
+    *first = const_cast<void*>(begin);
+    return result;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getFullProperty(const kstd_persistentPropertyNode* node,
+                                                                       kstd_persistentProperty* property) {
+    VEXPERS_REQUIRE(node != nullptr);
+    VEXPERS_REQUIRE(property != nullptr);
+    return ksys_result_failure;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getRegionType_(const kstd_persistentPropertyNode* node,
+                                                                      int32_t* first, int32_t* second,
+                                                                      int32_t* third) {
+    VEXPERS_REQUIRE(first != nullptr && second != nullptr && third != nullptr);
+    *first = *second = *third = 0;
+    VEXPERS_REQUIRE(node != nullptr);
+    return 0;
+}
+
+VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_freeNodeAndChildren(kstd_persistentPropertyNode* node) {
+    VEXPERS_REQUIRE(node != nullptr);
+    VEXPERS_REQUIRE(node->owner != nullptr);
+    return freeSubtree(node);
+}

@@ -1,0 +1,122 @@
+// What the node, section, tree and decomposition code share: the flag word's
+// masks, node allocation and linking, setting a node's value from a property,
+// freeing subtrees without recursion, and a growable work stack.
+#pragma once
+
+#include <cstdint>
+
+#include "frame/frame.hpp"
+#include "vexpers/tree.h"
+
+namespace vexpers::tree {
+
+using Node = kstd_persistentPropertyNode;
+using Section = kstd_persistentPropertyNodeSection;
+using Tree = kstd_persistentPropertyTree;
+
+namespace flag {
+inline constexpr uint32_t arrayCore = kstd_persistentPropertyNodeFlag_arrayOfCoreItems;
+inline constexpr uint32_t arrayOther = kstd_persistentPropertyNodeFlag_arrayOfOtherItems;
+inline constexpr uint32_t compound = kstd_persistentPropertyNodeFlag_compound;
+inline constexpr uint32_t leaf = kstd_persistentPropertyNodeFlag_leaf;
+inline constexpr uint32_t leafKindBits = 0xF0u;
+inline constexpr uint32_t reference = leaf | kstd_persistentPropertyNodeFlag_leafReference;  // 0x88
+inline constexpr uint32_t nullPointer = leaf | kstd_persistentPropertyNodeFlag_leafNullPointer;  // 0x28
+inline constexpr uint32_t arrayItem = kstd_persistentPropertyNodeFlag_arrayItem;
+inline constexpr uint32_t started = kstd_persistentPropertyNodeFlag_started;
+inline constexpr uint32_t ended = kstd_persistentPropertyNodeFlag_ended;
+inline constexpr uint32_t hasValue = kstd_persistentPropertyNodeFlag_hasValue;
+inline constexpr uint32_t hasObjectId = kstd_persistentPropertyNodeFlag_hasObjectId;
+inline constexpr uint32_t hasInfo = kstd_persistentPropertyNodeFlag_hasInfo;
+inline constexpr uint32_t deleted = kstd_persistentPropertyNodeFlag_deleted;
+inline constexpr uint32_t decomposed = kstd_persistentPropertyNodeFlag_decomposed;
+// Every bit the flag word defines.
+inline constexpr uint32_t known = 0x1FFu | 0x7F0000u;
+}  // namespace flag
+
+inline bool allSet(uint32_t flags, uint32_t mask) { return (flags & mask) == mask; }
+
+// The leaf kind bits of kind 1..4 (leaf bit included); 0 for another kind.
+inline uint32_t leafKindFlags(uint32_t kind) {
+    return kind >= 1 && kind <= 4 ? flag::leaf | (0x10u << (kind - 1)) : 0u;
+}
+
+// Decodes the leaf kind: the first of 0x18, 0x28, 0x48, 0x88 whose bits are
+// all set. False for a leaf flag without any of them, which no writer makes.
+inline bool decodeLeafKind(uint32_t flags, uint32_t* kind) {
+    *kind = 0;
+    if ((flags & flag::leaf) == 0) return true;
+    for (uint32_t k = 1; k <= 4; ++k) {
+        if (allSet(flags, leafKindFlags(k))) {
+            *kind = k;
+            return true;
+        }
+    }
+    return false;
+}
+
+inline uint32_t decodeArrayKind(uint32_t flags) {
+    if ((flags & flag::arrayCore) != 0) return 1;
+    if ((flags & flag::arrayOther) != 0) return 2;
+    return 0;
+}
+
+// A constructed node from the tree's allocator, linked nowhere. A failure
+// gives nothing back and allocates nothing.
+kstd_result allocNode(Tree* tree, Node** node);
+
+// Appends `child` to `parent`'s children.
+inline void appendChild(Node* parent, Node* child) {
+    if (parent->lastChild == nullptr)
+        parent->firstChild = child;
+    else
+        parent->lastChild->nextSibling = child;
+    parent->lastChild = child;
+}
+
+// Sets the node's descriptor, value, item count and kind flags from
+// `property`. Bits are only added; each step stops the operation on failure.
+kstd_result setValue(Node* node, const kstd_persistentProperty* property);
+
+// Frees `node` and every node below it back to the owner tree's allocator,
+// without recursion. `node`'s own sibling link is not followed. Every node
+// is freed even when destroying one fails; the first failure is returned.
+kstd_result freeSubtree(Node* node);
+
+// Detaches the children of `node` and frees them with their subtrees.
+kstd_result freeChildren(Node* node);
+
+// A stack of trivially copyable items in memory of the memory service.
+template <class T>
+class WorkStack {
+public:
+    WorkStack() = default;
+    WorkStack(const WorkStack&) = delete;
+    WorkStack& operator=(const WorkStack&) = delete;
+    ~WorkStack() {
+        void* memory = items_;
+        ksys_memory_free_internal(&memory);
+    }
+
+    kstd_result push(const T& item) {
+        if (size_ == capacity_) {
+            const int64_t capacity = capacity_ < 64 ? 64 : capacity_ * 2;
+            void* memory = items_;
+            VEXPERS_TRY(ksys_memory_realloc64_internal(capacity * int64_t(sizeof(T)), &memory));
+            items_ = static_cast<T*>(memory);
+            capacity_ = capacity;
+        }
+        items_[size_++] = item;
+        return 0;
+    }
+    bool empty() const { return size_ == 0; }
+    T& top() { return items_[size_ - 1]; }
+    void pop() { --size_; }
+
+private:
+    T* items_ = nullptr;
+    int64_t size_ = 0;
+    int64_t capacity_ = 0;
+};
+
+}  // namespace vexpers::tree

@@ -1,0 +1,770 @@
+#include "tree/roundtrip_model.hpp"
+
+#include <atomic>
+#include <cstring>
+#include <initializer_list>
+#include <iterator>
+#include <utility>
+
+namespace vexpers::test::rt {
+namespace {
+
+std::atomic<int64_t> live{0};
+
+template <class F>
+const void* word(F function) {
+    return reinterpret_cast<const void*>(function);
+}
+
+kstd_persistentPropertyAccessors accessors(std::initializer_list<std::pair<int, const void*>> words) {
+    kstd_persistentPropertyAccessors result{};
+    for (const auto& [index, w] : words) result.words[index] = w;
+    return result;
+}
+
+// A member is stored by its address and loaded by loading its own type
+// from its node, the way a client declares members.
+template <size_t Offset>
+kstd_result addressAt(const void* object, const void** member) {
+    *member = static_cast<const char*>(object) + Offset;
+    return 0;
+}
+
+template <size_t Offset>
+kstd_result loadAt(void* object, const kstd_persistentType* type, const kstd_persistentPropertyNode* node) {
+    return kstd_persistentType_loadPropertyNode(type, static_cast<char*>(object) + Offset, node);
+}
+
+template <size_t Offset>
+kstd_persistentPropertyAccessors member(kstd_result (*registration)() = nullptr) {
+    return accessors({{4, word(addressAt<Offset>)}, {8, word(loadAt<Offset>)}, {10, word(registration)}});
+}
+
+kstd_result notOffered(void*, const void*) { return kstd_persistentResult_notSupported; }
+kstd_result notOffered(void*) { return kstd_persistentResult_notSupported; }
+kstd_result notOfferedClone(void**, const void*) { return kstd_persistentResult_notSupported; }
+
+// ---- The vectors of Node, in one list ----------------------------------------------------
+
+#define RT_SCALAR_VECTORS(X)            \
+    X(v8s, kstd_vector8s, int8_t)       \
+    X(v8, kstd_vector8, uint8_t)        \
+    X(v16s, kstd_vector16s, int16_t)    \
+    X(v16, kstd_vector16, uint16_t)     \
+    X(v32s, kstd_vector32s, int32_t)    \
+    X(v32, kstd_vector32, uint32_t)     \
+    X(v64s, kstd_vector64s, int64_t)    \
+    X(v64, kstd_vector64, uint64_t)     \
+    X(vps, kstd_vectorIntPtrs, intptr_t) \
+    X(vp, kstd_vectorIntPtr, uintptr_t) \
+    X(vf, kstd_vectorf, float)          \
+    X(vd, kstd_vectord, double)         \
+    X(vb, kstd_vectorb, int32_t)
+
+// ---- Node ------------------------------------------------------------------------------
+
+kstd_result nodeDelete(void** object);
+
+kstd_result destroySharedNode(kstd_shared* shared) {
+    void* whole = shared->whole;
+    return nodeDelete(&whole);
+}
+constexpr kstd_sharedCustom nodeCounting{destroySharedNode, nullptr, nullptr};
+kstd_result nodeSharedName(const kstd_shared*, const char16_t** name) {
+    *name = u"RtNode";
+    return 0;
+}
+// Shared pointers name their pointee's type by the shared object's name.
+constexpr kstd_sharedTyped nodeTyped{kstd_shared_queryInterfaceByTypenameFinal, nodeSharedName};
+
+kstd_result nodeSize(uint32_t* size) {
+    *size = sizeof(Node);
+    return 0;
+}
+
+kstd_result nodeConstruct(void* object) {
+    auto* node = static_cast<Node*>(object);
+    std::memset(node, 0, sizeof(Node));
+    void* items = nullptr;
+    RT_TRY(ksys_memory_alloc_internal(4 * sizeof(Item), &items));
+    node->items.items = static_cast<Item*>(items);
+    std::memset(items, 0, 4 * sizeof(Item));
+    RT_TRY(kstd_shared_initCustomTyped(&node->header, node, &nodeCounting, &nodeTyped));
+    RT_TRY(kstd_unicodeString_construct(&node->name));
+#define RT_CONSTRUCT(field, vector, element) RT_TRY(vector##_construct(&node->field));
+    RT_SCALAR_VECTORS(RT_CONSTRUCT)
+#undef RT_CONSTRUCT
+    RT_TRY(kstd_vector_kstd_unicodeString_construct(&node->vstr));
+    // An empty pointer still names the type it points at.
+    RT_TRY(kstd_ptrh_constructBaseTypename(&node->next, nullptr, u"RtNode"));
+    RT_TRY(kstd_ptrh_constructBaseTypename(&node->other, nullptr, u"RtNode"));
+    RT_TRY(kstd_ptrhConst_constructBaseTypename(&node->view, nullptr, u"RtNode"));
+    for (int i = 0; i < 4; ++i) RT_TRY(kstd_ptrh_constructBaseTypename(&node->items.items[i].link, nullptr, u"RtNode"));
+    ++live;
+    return 0;
+}
+
+kstd_result nodeDestruct(void* object) {
+    auto* node = static_cast<Node*>(object);
+    kstd_unicodeString_destruct(&node->name);
+#define RT_DESTRUCT(field, vector, element) vector##_destruct(&node->field);
+    RT_SCALAR_VECTORS(RT_DESTRUCT)
+#undef RT_DESTRUCT
+    kstd_vector_kstd_unicodeString_destruct(&node->vstr);
+    kstd_ptrh_destruct(&node->next);
+    kstd_ptrh_destruct(&node->other);
+    kstd_ptrhConst_destruct(&node->view);
+    for (int i = 0; i < 4; ++i) kstd_ptrh_destruct(&node->items.items[i].link);
+    void* items = node->items.items;
+    ksys_memory_free_internal(&items);
+    --live;
+    return 0;
+}
+
+kstd_result nodeNew(void** object) {
+    if (*object != nullptr) RT_TRY(nodeDelete(object));
+    void* memory = nullptr;
+    RT_TRY(ksys_memory_alloc_internal(sizeof(Node), &memory));
+    if (kstd_result result = nodeConstruct(memory); result < 0) {
+        ksys_memory_free_internal(&memory);
+        return result;
+    }
+    *object = memory;
+    return 0;
+}
+
+kstd_result nodeDelete(void** object) {
+    if (*object == nullptr) return 0;
+    RT_TRY(nodeDestruct(*object));
+    return ksys_memory_free_internal(object);
+}
+
+constexpr kstd_persistentObjectVtable nodeObjects{nodeSize,   nodeConstruct, notOffered, notOffered, nodeDestruct,
+                                                  notOffered, nodeNew,       notOfferedClone, nodeDelete};
+
+template <class T>
+kstd_result sharedHeader(void* object, const char16_t* name, void** result) {
+    *result = nullptr;
+    if (std::u16string(name) == u"kstd_shared") *result = &static_cast<T*>(object)->header;
+    return 0;
+}
+kstd_result nodeTypename(const void*, const char16_t** name) {
+    *name = u"RtNode";
+    return 0;
+}
+constexpr kstd_typeDescriptorMinimalVtable nodeMinimal{sharedHeader<Node>, nodeTypename};
+
+const Node& nodeAt(const void* object) { return *static_cast<const Node*>(object); }
+kstd_result colorValue(const void* object, int64_t* value) {
+    *value = nodeAt(object).color;
+    return 0;
+}
+kstd_result bitsValue(const void* object, uint64_t* value) {
+    *value = nodeAt(object).bits;
+    return 0;
+}
+
+// ---- Items: a container of object items inside Node --------------------------------------
+
+kstd_result listResize(void* container, int64_t count) {
+    if (count < 0 || count > 4) return kstd_persistentResult_invalidCount;
+    static_cast<ItemList*>(container)->count = static_cast<intptr_t>(count);
+    return 0;
+}
+kstd_result listSize(const void* container, intptr_t* count) {
+    *count = static_cast<const ItemList*>(container)->count;
+    return 0;
+}
+kstd_result listBegin(void* container, void** first) {
+    *first = static_cast<ItemList*>(container)->items;
+    return 0;
+}
+kstd_result itemLayout(uint32_t* isContiguous, uint32_t* stride) {
+    *isContiguous = 1;
+    *stride = sizeof(Item);
+    return 0;
+}
+kstd_result itemNext(void*, void** element) {
+    *element = static_cast<Item*>(*element) + 1;
+    return 0;
+}
+constexpr kstd_persistentContainerVtable listTable{listResize, listSize, listBegin, itemLayout, itemNext, nullptr};
+
+kstd_result locateItems(void* object, void** first, void** second) {
+    *first = &static_cast<Node*>(object)->items;
+    *second = const_cast<kstd_persistentContainerVtable*>(&listTable);
+    return 0;
+}
+
+// Loads the items from the children of the array's node, one item each.
+kstd_result loadItems(void*, void* first, void*, const kstd_persistentType* arrayType,
+                      const kstd_persistentPropertyNode* node) {
+    auto* list = static_cast<ItemList*>(first);
+    int64_t count = 0;
+    for (const kstd_persistentPropertyNode* child = node->firstChild; child != nullptr; child = child->nextSibling)
+        ++count;
+    RT_TRY(listResize(list, count));
+    kstd_persistentType itemType;
+    kstd_persistentType_construct(&itemType);
+    kstd_result result = kstd_persistentType_assignDifferentDerivation(&itemType, arrayType, 0);
+    int index = 0;
+    for (const kstd_persistentPropertyNode* child = node->firstChild; child != nullptr && result >= 0;
+         child = child->nextSibling)
+        result = kstd_persistentType_loadPropertyNode(&itemType, &list->items[index++], child);
+    kstd_persistentType_destruct(&itemType);
+    return result;
+}
+
+// ---- Item, Box, Plain, Link -------------------------------------------------------------
+
+template <class T>
+kstd_result sizeOf(uint32_t* size) {
+    *size = sizeof(T);
+    return 0;
+}
+template <class T>
+kstd_result zero(void* object) {
+    std::memset(object, 0, sizeof(T));
+    return 0;
+}
+template <class T>
+kstd_result copy(void* object, const void* source) {
+    std::memcpy(object, source, sizeof(T));
+    return 0;
+}
+kstd_result nothing(void*) { return 0; }
+template <class T>
+kstd_result make(void** object) {
+    if (*object != nullptr) ksys_memory_free_internal(object);
+    RT_TRY(ksys_memory_alloc_internal(sizeof(T), object));
+    return zero<T>(*object);
+}
+kstd_result unmake(void** object) { return ksys_memory_free_internal(object); }
+
+template <class T>
+constexpr kstd_persistentObjectVtable plainObjects{sizeOf<T>, zero<T>, copy<T>, copy<T>,         nothing,
+                                                   zero<T>,   make<T>, notOfferedClone, unmake};
+
+kstd_result itemConstruct(void* object) {
+    zero<Item>(object);
+    return kstd_ptrh_constructBaseTypename(&static_cast<Item*>(object)->link, nullptr, u"RtNode");
+}
+kstd_result itemDestruct(void* object) { return kstd_ptrh_destruct(&static_cast<Item*>(object)->link); }
+kstd_result itemDelete(void** object) {
+    if (*object == nullptr) return 0;
+    RT_TRY(itemDestruct(*object));
+    return ksys_memory_free_internal(object);
+}
+kstd_result itemNew(void** object) {
+    RT_TRY(itemDelete(object));
+    RT_TRY(ksys_memory_alloc_internal(sizeof(Item), object));
+    return itemConstruct(*object);
+}
+constexpr kstd_persistentObjectVtable itemObjects{sizeOf<Item>, itemConstruct, notOffered,      notOffered, itemDestruct,
+                                                  notOffered,   itemNew,       notOfferedClone, itemDelete};
+
+kstd_result linkDelete(void** object);
+kstd_result destroySharedLink(kstd_shared* shared) {
+    void* whole = shared->whole;
+    return linkDelete(&whole);
+}
+constexpr kstd_sharedCustom linkCounting{destroySharedLink, nullptr, nullptr};
+kstd_result linkSharedName(const kstd_shared*, const char16_t** name) {
+    *name = u"RtLink";
+    return 0;
+}
+constexpr kstd_sharedTyped linkTyped{kstd_shared_queryInterfaceByTypenameFinal, linkSharedName};
+kstd_result linkConstruct(void* object) {
+    auto* link = static_cast<Link*>(object);
+    std::memset(link, 0, sizeof(Link));
+    RT_TRY(kstd_shared_initCustomTyped(&link->header, link, &linkCounting, &linkTyped));
+    RT_TRY(kstd_ptrh_constructBaseTypename(&link->next, nullptr, u"RtLink"));
+    ++live;
+    return 0;
+}
+kstd_result linkDestruct(void* object) {
+    kstd_ptrh_destruct(&static_cast<Link*>(object)->next);
+    --live;
+    return 0;
+}
+kstd_result linkNew(void** object) {
+    if (*object != nullptr) RT_TRY(linkDelete(object));
+    void* memory = nullptr;
+    RT_TRY(ksys_memory_alloc_internal(sizeof(Link), &memory));
+    if (kstd_result result = linkConstruct(memory); result < 0) {
+        ksys_memory_free_internal(&memory);
+        return result;
+    }
+    *object = memory;
+    return 0;
+}
+kstd_result linkDelete(void** object) {
+    if (*object == nullptr) return 0;
+    RT_TRY(linkDestruct(*object));
+    return ksys_memory_free_internal(object);
+}
+constexpr kstd_persistentObjectVtable linkObjects{sizeOf<Link>, linkConstruct, notOffered,      notOffered, linkDestruct,
+                                                  notOffered,   linkNew,       notOfferedClone, linkDelete};
+kstd_result linkTypename(const void*, const char16_t** name) {
+    *name = u"RtLink";
+    return 0;
+}
+constexpr kstd_typeDescriptorMinimalVtable linkMinimal{sharedHeader<Link>, linkTypename};
+
+constexpr kstd_persistentValueAccessVtable emptyAccess{};
+
+// ---- Declared properties ----------------------------------------------------------------
+
+struct Registered {
+    uint32_t colorFlag, colorBitsFlag, boxFlag, itemFlag, plainFlag, linkFlag, nodeFlag;
+    kstd_persistentType color, colorBits, box, item, plain, link, node, ptrh;
+};
+Registered registered{};
+
+kstd_result registerColor();
+kstd_result registerBox();
+kstd_result registerItem();
+
+const kstd_persistentPropertyInfoDefinition colorDefinitions[]{
+    {u"value", 2, u"k_Int64", 0, member<0>()}};
+const kstd_persistentStaticPropertyList colorProperties{colorDefinitions, 1};
+const kstd_persistentPropertyInfoDefinition colorBitsDefinitions[]{
+    {u"value", 2, u"k_UInt64", 0, member<0>()}};
+const kstd_persistentStaticPropertyList colorBitsProperties{colorBitsDefinitions, 1};
+
+const kstd_persistentPropertyInfoDefinition boxDefinitions[]{
+    {u"width", 2, u"k_Int32", 0, member<offsetof(Box, width)>()},
+    {u"height", 2, u"k_Int32", 0, member<offsetof(Box, height)>()}};
+const kstd_persistentStaticPropertyList boxProperties{boxDefinitions, std::size(boxDefinitions)};
+
+const kstd_persistentPropertyInfoDefinition itemDefinitions[]{
+    {u"weight", 2, u"k_Int32", 0, member<offsetof(Item, weight)>()},
+    {u"link", 2, u"kstd_ptrh", 0, member<offsetof(Item, link)>()}};
+const kstd_persistentStaticPropertyList itemProperties{itemDefinitions, std::size(itemDefinitions)};
+
+const kstd_persistentPropertyInfoDefinition plainDefinitions[]{
+    {u"value", 2, u"k_Int32", 0, member<offsetof(Plain, value)>()}};
+const kstd_persistentStaticPropertyList plainProperties{plainDefinitions, 1};
+
+const kstd_persistentPropertyInfoDefinition linkDefinitions[]{
+    {u"value", 2, u"k_Int32", 0, member<offsetof(Link, value)>()},
+    {u"next", 2, u"kstd_ptrh", 0, member<offsetof(Link, next)>()}};
+const kstd_persistentStaticPropertyList linkProperties{linkDefinitions, std::size(linkDefinitions)};
+
+#define RT_NODE_MEMBER(field, typeName) {u"" #field, 2, typeName, 0, member<offsetof(Node, field)>()}
+#define RT_NODE_VECTOR(field, vector, element) \
+    {u"" #field, 2, u"" #vector, 0, member<offsetof(Node, field)>(kstd_persistentTypeRegisterType_##vector)},
+
+const kstd_persistentPropertyInfoDefinition nodeDefinitions[]{
+    RT_NODE_MEMBER(i8, u"k_Int8"),
+    RT_NODE_MEMBER(i16, u"k_Int16"),
+    RT_NODE_MEMBER(i32, u"k_Int32"),
+    RT_NODE_MEMBER(i64, u"k_Int64"),
+    RT_NODE_MEMBER(u8, u"k_UInt8"),
+    RT_NODE_MEMBER(u16, u"k_UInt16"),
+    RT_NODE_MEMBER(u32, u"k_UInt32"),
+    RT_NODE_MEMBER(u64, u"k_UInt64"),
+    RT_NODE_MEMBER(flag, u"k_Bool"),
+    RT_NODE_MEMBER(f, u"float"),
+    RT_NODE_MEMBER(d, u"double"),
+    RT_NODE_MEMBER(size, u"size_t"),
+    RT_NODE_MEMBER(name, u"kstd_unicodeString"),
+    {u"color", 2, u"RtColor", 0,
+     accessors({{0, word(colorValue)}, {8, word(loadAt<offsetof(Node, color)>)}, {10, word(registerColor)}})},
+    {u"bits", 2, u"RtColor", 4, accessors({{2, word(bitsValue)}, {8, word(loadAt<offsetof(Node, bits)>)}})},
+    RT_SCALAR_VECTORS(RT_NODE_VECTOR)
+    {u"vstr", 2, u"kstd_vector_kstd_unicodeString", 0,
+     member<offsetof(Node, vstr)>(kstd_persistentTypeRegisterType_kstd_vector_kstd_unicodeString)},
+    RT_NODE_MEMBER(next, u"kstd_ptrh"),
+    RT_NODE_MEMBER(other, u"kstd_ptrh"),
+    RT_NODE_MEMBER(view, u"kstd_ptrhConst"),
+    {u"box", 2, u"RtBox", 0, member<offsetof(Node, box)>(registerBox)},
+    // The same member again: an object held by value, met twice.
+    {u"sameBox", 2, u"RtBox", 0, member<offsetof(Node, box)>(registerBox)},
+    {u"items", 2, u"RtItem", 2,
+     accessors({{7, word(locateItems)}, {9, word(loadItems)}, {10, word(registerItem)}})},
+};
+const kstd_persistentStaticPropertyList nodeProperties{nodeDefinitions, std::size(nodeDefinitions)};
+
+kstd_result registerColor() {
+    return kstd_persistentTypeRegisterTypeEnum(u"RtColor", 1, 2, 3, 4, &emptyAccess, &emptyAccess, &colorProperties,
+                                               &colorBitsProperties, &registered.colorFlag,
+                                               &registered.colorBitsFlag, &registered.color, &registered.colorBits);
+}
+kstd_result registerBox() {
+    return kstd_persistentTypeRegisterTypeObject(u"RtBox", &plainObjects<Box>, &emptyAccess, &boxProperties, 1,
+                                                 &registered.boxFlag, &registered.box);
+}
+kstd_result registerItem() {
+    return kstd_persistentTypeRegisterTypeObject(u"RtItem", &itemObjects, &emptyAccess, &itemProperties, 0,
+                                                 &registered.itemFlag, &registered.item);
+}
+
+Types registerModule() {
+    EXPECT_EQ(registerColor(), 0);
+    EXPECT_EQ(registerBox(), 0);
+    EXPECT_EQ(registerItem(), 0);
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtPlain", &plainObjects<Plain>, &emptyAccess, &plainProperties,
+                                                    0, &registered.plainFlag, &registered.plain),
+              0);
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtLink", &linkObjects, &emptyAccess, &linkProperties,
+                                                           &linkMinimal, 0, &registered.linkFlag, &registered.link),
+              0);
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtNode", &nodeObjects, &emptyAccess, &nodeProperties,
+                                                           &nodeMinimal, 0, &registered.nodeFlag, &registered.node),
+              0);
+    kstd_persistentType_construct(&registered.ptrh);
+    EXPECT_EQ(kstd_persistentTypeGetType_kstd_ptrh(&registered.ptrh, 1), 0);
+    return Types{&registered.node, &registered.link, &registered.plain, &registered.box,
+                 &registered.item, &registered.color, &registered.ptrh};
+}
+
+// ---- Storage format helpers --------------------------------------------------------------
+
+std::u16string textOf(const kstd_stringConst& text) {
+    return text.chars != nullptr ? std::u16string(text.chars, static_cast<size_t>(text.length)) : std::u16string();
+}
+
+std::u16string typeNameOf(const kstd_persistentType& type, uint32_t* derivation) {
+    const char16_t* name = nullptr;
+    kstd_persistentType_getTypeName(&type, &name);
+    kstd_persistentType_getTypeDerivation(&type, derivation);
+    return name != nullptr ? std::u16string(name) : std::u16string();
+}
+
+kstd_result scalarOf(const kstd_persistentVariant& value, Scalar* scalar) {
+    RT_TRY(kstd_persistentVariant_getTypeCategory(&value, &scalar->category));
+    switch (scalar->category) {
+        case kstd_persistentTypeCategory_int:
+            return kstd_persistentVariant_getValue_k_Int64(&value, &scalar->i);
+        case kstd_persistentTypeCategory_uint:
+            return kstd_persistentVariant_getValue_k_UInt64(&value, &scalar->u);
+        case kstd_persistentTypeCategory_bool:
+            return kstd_persistentVariant_getValue_k_Bool(&value, &scalar->b);
+        case kstd_persistentTypeCategory_float:
+            return kstd_persistentVariant_getValue_double(&value, &scalar->d);
+        case kstd_persistentTypeCategory_string: {
+            kstd_unicodeStringConst text;
+            kstd_unicodeStringConst_construct(&text);
+            kstd_result result = kstd_persistentVariant_getValue_kstd_unicodeStringConst(&value, &text);
+            const char16_t* chars = nullptr;
+            int32_t length = 0;
+            if (result >= 0) result = kstd_unicodeStringConst_getStringW(&text, &chars, &length);
+            scalar->isNull = chars == nullptr;
+            if (chars != nullptr) scalar->text.assign(chars, static_cast<size_t>(length));
+            kstd_unicodeStringConst_destruct(&text);
+            return result;
+        }
+        default:
+            return kstd_persistentResult_notSupported;
+    }
+}
+
+kstd_result variantOf(const Scalar& scalar, const kstd_persistentType* type, kstd_persistentVariant* value) {
+    switch (scalar.category) {
+        case kstd_persistentTypeCategory_int:
+            return kstd_persistentVariant_setValueUsingType_k_Int64_(value, type, scalar.i);
+        case kstd_persistentTypeCategory_uint:
+            return kstd_persistentVariant_setValueUsingType_k_UInt64_(value, type, scalar.u);
+        case kstd_persistentTypeCategory_bool:
+            return kstd_persistentVariant_setValueUsingType_k_Bool_(value, type, scalar.b);
+        case kstd_persistentTypeCategory_float:
+            return kstd_persistentVariant_setValueUsingType_double_(value, type, scalar.d);
+        case kstd_persistentTypeCategory_string: {
+            kstd_unicodeString text;
+            kstd_unicodeString_construct(&text);
+            kstd_result result = 0;
+            if (!scalar.isNull) {
+                const std::u16string terminated = scalar.text;
+                result = kstd_unicodeString_assignStringW(&text, terminated.c_str());
+            }
+            if (result >= 0) result = kstd_persistentVariant_setValue_kstd_unicodeString(value, &text);
+            kstd_unicodeString_destruct(&text);
+            return result;
+        }
+        default:
+            return kstd_persistentResult_notSupported;
+    }
+}
+
+Record recordOf(const kstd_persistentPropertyNode* node, uint32_t sectionType) {
+    Record record;
+    record.sectionType = sectionType;
+    record.flags = node->flags;
+    // A reference leaf keeps the compound bit its node had before it became
+    // a reference; a leaf section is written without it.
+    if ((record.flags & kstd_persistentPropertyNodeFlag_leaf) != 0)
+        record.flags &= ~kstd_persistentPropertyNodeFlag_compound;
+    record.name = textOf(node->info.name);
+    record.typeName = typeNameOf(node->info.type, &record.derivation);
+    record.access = node->info.dataAccess;
+    record.objectId = node->objectId;
+    record.numItems = node->numItems;
+    return record;
+}
+
+struct VariantBox {
+    kstd_persistentVariant v;
+    VariantBox() { kstd_persistentVariant_construct(&v); }
+    ~VariantBox() { kstd_persistentVariant_destruct(&v); }
+    VariantBox(const VariantBox&) = delete;
+    VariantBox& operator=(const VariantBox&) = delete;
+};
+
+struct SectionBox {
+    kstd_persistentPropertyNodeSection s;
+    SectionBox() { kstd_persistentPropertyNodeSection_construct(&s); }
+    ~SectionBox() { kstd_persistentPropertyNodeSection_destruct(&s); }
+    SectionBox(const SectionBox&) = delete;
+    SectionBox& operator=(const SectionBox&) = delete;
+};
+
+kstd_result writeLeaf(const kstd_persistentPropertyNode* node, bool coreArray, std::vector<Record>* records) {
+    Record record = recordOf(node, kstd_persistentPropertyNodeSectionType_leaf);
+    const kstd_persistentVariant& value = node->leafProperty.value;
+    record.valueTypeName = typeNameOf(value.type, &record.valueDerivation);
+    uint32_t isLeaf = 0, leafKind = 0;
+    RT_TRY(kstd_persistentPropertyNode_getIsLeaf(node, &isLeaf, &leafKind));
+    if (coreArray) {
+        record.value = Record::Value::items;
+        void* container = nullptr;
+        uint32_t containerValue = 0, elementSize = 0;
+        void* first = nullptr;
+        intptr_t count = 0;
+        const kstd_persistentContainerVtable* table = nullptr;
+        TypeBox itemType;
+        RT_TRY(kstd_persistentPropertyNode_getContainer(node, &container, &containerValue, &elementSize, &first,
+                                                          &count, &table, &itemType.t));
+        VariantBox item;
+        for (intptr_t i = 0; i < count; ++i) {
+            RT_TRY(kstd_persistentVariant_setValueUsingType(&item.v, &itemType.t,
+                                                              static_cast<char*>(first) + i * elementSize));
+            Scalar scalar;
+            RT_TRY(scalarOf(item.v, &scalar));
+            record.items.push_back(scalar);
+        }
+    } else if (leafKind == kstd_persistentLeafKind_coreValue) {
+        record.value = Record::Value::scalar;
+        RT_TRY(scalarOf(value, &record.scalar));
+    } else if (leafKind == kstd_persistentLeafKind_nullPointer) {
+        record.value = Record::Value::nullPointer;
+    } else if (leafKind == kstd_persistentLeafKind_emptyArray) {
+        record.value = Record::Value::emptyArray;
+    }
+    records->push_back(std::move(record));
+    return 0;
+}
+
+kstd_result sectionOf(const Record& record, kstd_persistentPropertyNodeSection* section) {
+    RT_TRY(kstd_persistentPropertyNodeSection_reset(section));
+    section->sectionType = record.sectionType;
+    if (record.sectionType == kstd_persistentPropertyNodeSectionType_end) return 0;
+    const std::u16string name = record.name;
+    const std::u16string typeName = record.typeName;
+    RT_TRY(kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(&section->info, name.c_str(),
+                                                                           typeName.c_str(), record.derivation,
+                                                                           record.access));
+    section->flags = record.flags;
+    section->objectId = record.objectId;
+    section->numItems = record.numItems;
+    switch (record.value) {
+        case Record::Value::none:
+            return 0;
+        case Record::Value::nullPointer:
+            return kstd_persistentPropertyNodeSection_setPropertyPointerNull(section);
+        case Record::Value::emptyArray:
+            return kstd_persistentPropertyNodeSection_setPropertyArrayEmpty(section);
+        case Record::Value::scalar: {
+            TypeBox type;
+            RT_TRY(kstd_persistentTypeGetType(record.valueTypeName.c_str(), record.valueDerivation, 1, &type.t));
+            VariantBox value;
+            RT_TRY(variantOf(record.scalar, &type.t, &value.v));
+            return kstd_persistentPropertyNodeSection_setLeafPropertyValue(section, &value.v);
+        }
+        case Record::Value::items: {
+            TypeBox itemType;
+            RT_TRY(kstd_persistentTypeGetType(record.valueTypeName.c_str(), 0, 1, &itemType.t));
+            void* first = nullptr;
+            uint32_t elementSize = 0;
+            RT_TRY(kstd_persistentPropertyNodeSection_setPropertyArrayAndAlloc(
+                section, static_cast<int32_t>(record.items.size()), &first, &elementSize));
+            VariantBox item;
+            for (size_t i = 0; i < record.items.size(); ++i) {
+                RT_TRY(variantOf(record.items[i], &itemType.t, &item.v));
+                RT_TRY(kstd_persistentVariant_getValueUsingType(&item.v, &itemType.t,
+                                                                  static_cast<char*>(first) + i * elementSize));
+            }
+            return 0;
+        }
+    }
+    return 0;
+}
+
+template <class V, class E>
+std::vector<E> elementsOf(const V& vector, kstd_result (*getBeginSize)(const V*, const E**, intptr_t*)) {
+    const E* begin = nullptr;
+    intptr_t size = 0;
+    getBeginSize(&vector, &begin, &size);
+    return std::vector<E>(begin, begin + size);
+}
+
+std::u16string textOf(const kstd_unicodeString& text) {
+    const char16_t* chars = nullptr;
+    int32_t length = 0;
+    kstd_unicodeString_getStringW(&text, &chars, &length);
+    return chars != nullptr ? std::u16string(chars, static_cast<size_t>(length)) : std::u16string(u"(null)");
+}
+
+}  // namespace
+
+const Types& types() {
+    static const Types module = registerModule();
+    return module;
+}
+
+void newNode(kstd_ptrh* pointer) {
+    void* object = nullptr;
+    ASSERT_EQ(nodeNew(&object), 0);
+    ASSERT_EQ(kstd_ptrh_assignShared(pointer, &static_cast<Node*>(object)->header), 0);
+}
+
+void newLink(kstd_ptrh* pointer) {
+    void* object = nullptr;
+    ASSERT_EQ(linkNew(&object), 0);
+    ASSERT_EQ(kstd_ptrh_assignShared(pointer, &static_cast<Link*>(object)->header), 0);
+}
+
+Node* nodeOf(const kstd_ptrh& pointer) {
+    return pointer.shared != nullptr ? static_cast<Node*>(pointer.shared->whole) : nullptr;
+}
+Link* linkOf(const kstd_ptrh& pointer) {
+    return pointer.shared != nullptr ? static_cast<Link*>(pointer.shared->whole) : nullptr;
+}
+int64_t liveObjects() { return live.load(); }
+
+void unlinkNode(Node* node) {
+    kstd_ptrh_reset(&node->next);
+    kstd_ptrh_reset(&node->other);
+    kstd_ptrhConst_reset(&node->view);
+    for (int i = 0; i < 4; ++i) kstd_ptrh_reset(&node->items.items[i].link);
+}
+
+void releaseChain(kstd_ptrh* head) {
+    while (head->shared != nullptr) {
+        PointerBox current;
+        kstd_ptrh_assign(&current.p, head);
+        Link* link = linkOf(current.p);
+        kstd_ptrh_assign(head, &link->next);
+        kstd_ptrh_reset(&link->next);
+    }
+}
+
+void unlinkRecorded(const kstd_persistentPropertyTree* tree, int64_t ids) {
+    for (int64_t id = 0; id < ids; ++id) {
+        VariantBox recorded;
+        if (kstd_persistentPropertyTree_getObjectById(tree, id, &recorded.v) < 0) continue;
+        void* whole = nullptr;
+        if (kstd_persistentVariant_getWholeObject(&recorded.v, &whole) < 0 || whole == nullptr) continue;
+        uint32_t derivation = 0;
+        const std::u16string name = typeNameOf(recorded.v.type, &derivation);
+        if (name == u"RtNode") unlinkNode(static_cast<Node*>(whole));
+        if (name == u"RtLink") kstd_ptrh_reset(&static_cast<Link*>(whole)->next);
+    }
+}
+
+std::string compareValues(const Node& e, const Node& a, bool withItems) {
+#define RT_SAME(field) \
+    if (!(e.field == a.field)) return "field " #field;
+    RT_SAME(i8) RT_SAME(i16) RT_SAME(i32) RT_SAME(i64) RT_SAME(u8) RT_SAME(u16) RT_SAME(u32) RT_SAME(u64)
+    RT_SAME(flag) RT_SAME(f) RT_SAME(d) RT_SAME(size) RT_SAME(color) RT_SAME(bits) RT_SAME(box.width)
+    RT_SAME(box.height)
+#undef RT_SAME
+    if (withItems && e.items.count != a.items.count) return "item count";
+    if (textOf(e.name) != textOf(a.name)) return "field name";
+#define RT_SAME_VECTOR(field, vector, element)                                      \
+    if (elementsOf<vector, element>(e.field, vector##_getBeginSizeIntPtrConst) !=   \
+        elementsOf<vector, element>(a.field, vector##_getBeginSizeIntPtrConst))     \
+        return "vector " #field;
+    RT_SCALAR_VECTORS(RT_SAME_VECTOR)
+#undef RT_SAME_VECTOR
+    const auto strings = [](const Node& n) {
+        std::vector<std::u16string> texts;
+        for (const kstd_unicodeString& s : elementsOf<kstd_vector_kstd_unicodeString, kstd_unicodeString>(
+                 n.vstr, kstd_vector_kstd_unicodeString_getBeginSizeIntPtrConst))
+            texts.push_back(textOf(s));
+        return texts;
+    };
+    if (strings(e) != strings(a)) return "vector vstr";
+    for (intptr_t i = 0; withItems && i < e.items.count; ++i)
+        if (e.items.items[i].weight != a.items.items[i].weight) return "item weight";
+    return {};
+}
+
+kstd_result Writer::visit(void* context, int32_t event, int32_t, const kstd_persistentPropertyNode* node) {
+    auto* writer = static_cast<Writer*>(context);
+    switch (event) {
+        case kstd_persistentPropertyProcessorEvent_nodeBegin:
+            writer->open.push_back(node);
+            writer->records.push_back(recordOf(node, kstd_persistentPropertyNodeSectionType_start));
+            return 0;
+        case kstd_persistentPropertyProcessorEvent_leaf:
+            // An array found empty while its items were expanded: the node
+            // is already open and simply has no items.
+            if (!writer->open.empty() && writer->open.back() == node) return 0;
+            return writeLeaf(node, false, &writer->records);
+        case kstd_persistentPropertyProcessorEvent_coreArray:
+            return writeLeaf(node, true, &writer->records);
+        case kstd_persistentPropertyProcessorEvent_nodeEnd: {
+            Record end;
+            end.sectionType = kstd_persistentPropertyNodeSectionType_end;
+            end.name = textOf(node->info.name);
+            writer->records.push_back(end);
+            writer->open.pop_back();
+            return 0;
+        }
+        default:
+            return ksys_result_failure;
+    }
+}
+
+kstd_result rebuild(const std::vector<Record>& records, kstd_persistentPropertyTree* tree) {
+    SectionBox section;
+    std::vector<kstd_persistentPropertyNode*> open;
+    for (const Record& record : records) {
+        RT_TRY(sectionOf(record, &section.s));
+        kstd_persistentPropertyNode* node = nullptr;
+        switch (record.sectionType) {
+            case kstd_persistentPropertyNodeSectionType_start:
+                if (open.empty()) {
+                    RT_TRY(kstd_persistentPropertyTree_allocNextChild(tree, &node));
+                    RT_TRY(kstd_persistentPropertyNode_startNode(node, &section.s));
+                } else {
+                    RT_TRY(kstd_persistentPropertyNode_startChildNode(open.back(), &section.s, &node));
+                }
+                open.push_back(node);
+                break;
+            case kstd_persistentPropertyNodeSectionType_leaf:
+                if (open.empty()) {
+                    RT_TRY(kstd_persistentPropertyTree_allocNextChild(tree, &node));
+                    RT_TRY(kstd_persistentPropertyNode_startNode(node, &section.s));
+                } else {
+                    RT_TRY(kstd_persistentPropertyNode_addChildLeafNode(open.back(), &section.s));
+                }
+                break;
+            case kstd_persistentPropertyNodeSectionType_end: {
+                if (open.empty()) return ksys_result_failure;
+                uint32_t matches = 0;
+                RT_TRY(kstd_persistentPropertyNode_isMatchingEnd(open.back(), &section.s, &matches));
+                if (matches == 0) return ksys_result_failure;
+                RT_TRY(kstd_persistentPropertyNode_endNode(open.back()));
+                open.pop_back();
+                break;
+            }
+            default:
+                return ksys_result_failure;
+        }
+    }
+    return open.empty() ? 0 : ksys_result_failure;
+}
+
+}  // namespace vexpers::test::rt
