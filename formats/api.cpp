@@ -156,9 +156,10 @@ KFMT_API kstd_result kfmt_readTree(kstd_persistentPropertyTree* tree, uint32_t f
             result = kfmt_result_objectIds;
         return fail(report, result, at, "%s", problem);
     }
-    if (statistics != nullptr) *statistics = reader->statistics();
-    if (options->progress != nullptr)
-        options->progress(options->progressContext, reader->statistics().nodes, reader->statistics().bytes);
+    kfmt_statistics met = reader->statistics();
+    met.bytes = input->offset();
+    if (statistics != nullptr) *statistics = met;
+    if (options->progress != nullptr) options->progress(options->progressContext, met.nodes, met.bytes);
     return 0;
 }
 

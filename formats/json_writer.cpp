@@ -35,7 +35,8 @@ constexpr unsigned writeFlags = rapidjson::kWriteValidateEncodingFlag | rapidjso
 using Base = rapidjson::Writer<Stream, json::Utf16, json::Utf8, json::StackAllocator, writeFlags>;
 
 // A writer that puts the node objects of "nodes" and "children" arrays on
-// lines of their own, indented by their depth (up to 64 levels).
+// lines of their own, indented by their depth (up to 20 levels, so that
+// deep trees do not drown in white space).
 class LineWriter : public Base {
 public:
     explicit LineWriter(Stream& stream) : Base(stream, nullptr, 64) {}
@@ -58,7 +59,7 @@ public:
 private:
     void newLine(int64_t depth) {
         os_->Put('\n');
-        for (int64_t i = 0; i < depth && i < 64; ++i) {
+        for (int64_t i = 0; i < depth && i < 20; ++i) {
             os_->Put(' ');
             os_->Put(' ');
         }
