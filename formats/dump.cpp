@@ -177,7 +177,7 @@ private:
             }
             out_.put(']');
         } else if (k.arrayKind == 2) {
-            number(" (%lld items)", static_cast<long long>(node->numItems));
+            number(node->numItems == 1 ? " (%lld item)" : " (%lld items)", static_cast<long long>(node->numItems));
         }
         if (k.hasId && k.leafKind != 4) number(" #%lld", static_cast<long long>(node->objectId));
         if (k.isDeleted) text(" (deleted)");

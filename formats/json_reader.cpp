@@ -12,7 +12,9 @@ namespace vexpers::formats {
 namespace {
 
 // RapidJSON's view of the input. Its end reads as 0, which RapidJSON takes
-// as the end of the text.
+// as the end of the text. The iterative parser calls StartObject and
+// EndObject before it takes the brace, so the input's offset is then the
+// brace's own.
 struct Stream {
     typedef char Ch;
     Input* in;
@@ -150,7 +152,7 @@ public:
         switch (state_) {
         case State::document:
             if (!(docSeen_ & (1u << 3))) return stop(kfmt_result_malformed, "a document without \"nodeCount\"");
-            if (!check(reader_.finish(nodeCount_, in_.offset() - 1))) return false;
+            if (!check(reader_.finish(nodeCount_, in_.offset()))) return false;
             state_ = State::done;
             return true;
         case State::node:
@@ -163,7 +165,7 @@ public:
             state_ = State::nodeList;
             return true;
         case State::afterChildren:
-            if (!check(reader_.end(in_.offset() - 1))) return false;
+            if (!check(reader_.end(in_.offset()))) return false;
             state_ = State::nodeList;
             return true;
         default:
@@ -257,7 +259,7 @@ private:
     }
 
     void beginNode() {
-        nodeOffset_ = in_.offset() - 1;
+        nodeOffset_ = in_.offset();
         seen_ = 0;
         header_ = Header{};
         kindGiven_ = false;

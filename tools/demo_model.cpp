@@ -500,4 +500,42 @@ void releaseScene(kstd_ptrh* scene) {
     kstd_ptrh_reset(scene);
 }
 
+void unlinkRecorded(const kstd_persistentPropertyTree* tree) {
+    std::vector<const kstd_persistentPropertyNode*> stack;
+    for (const kstd_persistentPropertyNode* n = tree->firstChild; n != nullptr; n = n->nextSibling) stack.push_back(n);
+    kstd_persistentVariant recorded;
+    kstd_persistentVariant_construct(&recorded);
+    while (!stack.empty()) {
+        const kstd_persistentPropertyNode* node = stack.back();
+        stack.pop_back();
+        for (const kstd_persistentPropertyNode* c = node->firstChild; c != nullptr; c = c->nextSibling)
+            stack.push_back(c);
+        uint32_t hasId = 0, isReference = 0;
+        int64_t id = -1;
+        if (kstd_persistentPropertyNode_getObjectId(node, &hasId, &id, &isReference) < 0 || hasId == 0 ||
+            isReference != 0)
+            continue;
+        void* whole = nullptr;
+        const char16_t* name = nullptr;
+        if (kstd_persistentPropertyTree_getObjectById(tree, id, &recorded) < 0 ||
+            kstd_persistentVariant_getWholeObject(&recorded, &whole) < 0 || whole == nullptr ||
+            kstd_persistentType_getTypeName(&recorded.type, &name) < 0 || name == nullptr)
+            continue;
+        const std::u16string type = name;
+        if (type == Traits<Node>::name) {
+            Node* n = static_cast<Node*>(whole);
+            kstd_ptrh_reset(&n->parent);
+            kstd_ptrh_reset(&n->firstChild);
+            kstd_ptrh_reset(&n->nextSibling);
+            kstd_ptrh_reset(&n->material);
+        } else if (type == Traits<Scene>::name) {
+            Scene* scene = static_cast<Scene*>(whole);
+            kstd_ptrh_reset(&scene->root);
+            kstd_ptrh_reset(&scene->camera);
+            kstd_ptrh_reset(&scene->environment);
+        }
+    }
+    kstd_persistentVariant_destruct(&recorded);
+}
+
 }  // namespace vexpers::demo

@@ -86,4 +86,9 @@ std::string compareScenes(const kstd_ptrh& original, const kstd_ptrh& copy, Cens
 // the scene go; `scene` is empty afterwards.
 void releaseScene(kstd_ptrh* scene);
 
+// Breaks the links of every scene and node that composing recorded in
+// `tree` (under the ids its nodes define), so that objects of a composition
+// that stopped half way do not keep each other alive.
+void unlinkRecorded(const kstd_persistentPropertyTree* tree);
+
 }  // namespace vexpers::demo

@@ -322,7 +322,10 @@ int demo(int argc, char** argv) {
     {
         Stopwatch time;
         result = kstd_persistentType_loadPropertyNode(vexpers::demo::pointerType(), &copy.p, tree.t.firstChild);
-        if (result < 0) return failed("compose", result, nullptr);
+        if (result < 0) {
+            vexpers::demo::unlinkRecorded(&tree.t);
+            return failed("compose", result, nullptr);
+        }
         stage("compose", time.milliseconds(), "new objects from the tree read");
     }
     kstd_persistentPropertyTree_reset(&tree.t);
