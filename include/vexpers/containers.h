@@ -79,7 +79,10 @@ VEXPERS_API kstd_result kstd_hashtable_getCount(const kstd_hashtable* table, int
 
 /**
  * Hands out blocks of one fixed size, 16-byte aligned, carved from chunks of
- * the memory service and reused through a free list. Fields belong to the
+ * the memory service and reused through a free list (the last block freed
+ * comes back first). When every block has come back, the chunks are kept and
+ * carved again from the start, so that a structure rebuilt after being freed
+ * as a whole lies in memory in the order it is built. Fields belong to the
  * allocator functions.
  */
 typedef struct kstd_blockAllocator {

@@ -120,12 +120,15 @@ struct kstd_persistentPropertyTree {
     kstd_vectorPtrConstVoid objectPointers;
     /** By object id: a variant holding the object. */
     kstd_vector_kstd_persistentVariant objects;
-    /** Index from whole-object pointer to id, and the objects of ids stored
-     *  beyond the dense vectors; owned by the tree. */
+    /** Index from whole-object pointer to lowest id, and the objects of ids
+     *  recorded far beyond the two vectors; memory of the tree (never touch
+     *  it). */
     void* objectIndex;
 };
 
 typedef struct kstd_persistentPropertyProcessor {
+    /** The bag of each depth, bagCount entries (null until a walk needs
+     *  one); the block has room for bagCount rounded up to a power of two. */
     kstd_persistentPropertyBag** bags;
     int32_t bagCount;
     kstd_vector_kstd_persistentVariant sharedObjects;
@@ -149,16 +152,29 @@ typedef kstd_result (*kstd_persistentPropertyNodeVisitor)(void* context, int32_t
  * Rebuilding a tree from sections. startNode starts a fresh node from a start
  * (0), leaf (2) or start-with-value (3) section: it copies the descriptor, the
  * flags, the id and the item count, takes the value for types 2 and 3 (unless
- * the section is a reference leaf, 0x88), and marks the node started (and
- * ended for a leaf). startAndEndLeafNode takes leaf sections only.
+ * the section is a reference leaf, 0x88; taking a value sets the id to -1 and
+ * adds the value's kind flags), and marks the node started (and ended for a
+ * leaf). The section's own started and ended bits are not taken over: they
+ * describe the node the section was written from. A failing copy of the
+ * descriptor or value returns its code, leaving what was set before it.
+ * startAndEndLeafNode takes leaf sections only.
  * startChildNode appends a new child to a started, not ended node and starts
- * it (*child is the new node, also when starting it fails); addChildLeafNode
- * does the same with a leaf section. endNode ends a started node (a leaf may
- * be ended again). isMatchingEnd is 1 for an end section (1) whose name is
- * null, empty or the node's name. Protocol violations (starting a started
- * node, a child of a node that is not open, ending a node that is not started
- * or a non-leaf twice, an unknown section type) fail with ksys_result_failure
- * and change nothing.
+ * it (*child is the new node, also when starting it fails: the child then
+ * stays in the list, not started); addChildLeafNode does the same with a leaf
+ * section. A failing node allocation (ksys_result_outOfMemory, also at
+ * kstd_persistentPropertyTree_maxNodes) changes no list. endNode ends a
+ * started node (a leaf may be ended again). isMatchingEnd is 1 for an end
+ * section (1) whose name is null, empty or the node's name, else 0.
+ *
+ * Sections come from files, so everything in them gives a code, never a
+ * precondition fault. Protocol violations fail with ksys_result_failure and
+ * change nothing: starting a started node, a child of a node that is not
+ * open, ending a node that is not started or a non-leaf twice, a section type
+ * other than 0, 2, 3 (startAndEndLeafNode: other than 2), and a section no
+ * writer makes: a flag word with bits outside the flags above, a leaf bit
+ * without exactly one leaf kind bit (or a kind bit without it), both array
+ * kinds, compound together with leaf or array bits, an item count below 0 or
+ * an id below -1.
  */
 VEXPERS_API kstd_result kstd_persistentPropertyNode_startNode(kstd_persistentPropertyNode* node,
                                                               const kstd_persistentPropertyNodeSection* section);
@@ -216,16 +232,23 @@ VEXPERS_API kstd_result kstd_persistentPropertyNode_getMatchingChildConst(const 
  * has-info flag); setInfo sets it. getPropertyPtrConst gives the node's
  * property when it has a value; getLeafPropertyPtrConst and getLeafProperty
  * only for a leaf with a value (else ksys_result_failure, output null).
- * getIsLeaf decodes the leaf kind (leafKind optional); getIsTerminal is 1 for
- * a leaf or an array of core items. getObjectId gives the has-id flag, the id
+ * getIsLeaf decodes the leaf kind (leafKind optional): the first of the masks
+ * 0x18, 0x28, 0x48, 0x88 whose bits are all set; a leaf flag without any of
+ * them fails with ksys_result_failure (outputs 0). getIsTerminal is 1 for a
+ * leaf or an array of core items. getObjectId gives the has-id flag, the id
  * and whether the node is a reference leaf. getEnumAsInt64 /
  * getEnumBitfieldAsUInt64 read the leaf value of the child `name` (or of the
  * node itself when it has no such child) as a 64-bit integer.
  * getCoreTypeOrEnumVariant finds the variant holding the node's core or enum
  * value: its own value, or its child "value" (null with success when there is
- * none and `required` is 0). getContainer and getArrayBeginSizeIntPtr describe
- * the node's array value. getFullProperty always fails with
- * ksys_result_failure; getRegionType_ always gives three zeros.
+ * none and `required` is 0; else 0x800040CD for an array item, a type that is
+ * neither core nor enum or an enum without that child, 0x800040C8 for a type
+ * nobody registered, ksys_result_failure without a descriptor). A descriptor
+ * whose type record is not a registered one is looked up in the registry by
+ * name and derivation. getContainer and getArrayBeginSizeIntPtr describe the
+ * node's array value (every output cleared first; ksys_result_failure
+ * without a value). getFullProperty always fails with ksys_result_failure;
+ * getRegionType_ always gives three zeros.
  */
 VEXPERS_API kstd_result kstd_persistentPropertyNode_getInfo(const kstd_persistentPropertyNode* node,
                                                             kstd_persistentPropertyInfo* info);
@@ -269,11 +292,16 @@ VEXPERS_API kstd_result kstd_persistentPropertyNode_getFullProperty(const kstd_p
                                                                     kstd_persistentProperty* property);
 VEXPERS_API kstd_result kstd_persistentPropertyNode_getRegionType_(const kstd_persistentPropertyNode* node,
                                                                    int32_t* first, int32_t* second, int32_t* third);
-/** Decomposes `property` into this node and its subtree (see the tree). */
+/** Decomposes `property` into this node, replacing its former contents and
+ *  subtree (see the tree); ids continue from the owner's registry. `property`
+ *  must not lie in the node's own subtree. */
 VEXPERS_API kstd_result kstd_persistentPropertyNode_resetDecomposeProperty(kstd_persistentPropertyNode* node,
                                                                            const kstd_persistentProperty* property,
                                                                            uint32_t isArrayItem);
-/** Frees the node and its subtree back to the owner tree's allocator. */
+/** Frees the node and its subtree back to the owner tree's allocator, without
+ *  recursion (deep trees do not overflow the stack). The node is not unlinked
+ *  from a list it is in. Every node is freed even when destroying one fails;
+ *  the first failure is returned. */
 VEXPERS_API kstd_result kstd_persistentPropertyNode_freeNodeAndChildren(kstd_persistentPropertyNode* node);
 
 /* ---- Node section ----------------------------------------------------------------------- */
@@ -309,7 +337,11 @@ VEXPERS_API void ksys_typeCheckFuncPtr_kstd_persistentPropertyNodeSection(
  * array of other items; setLeafPropertyValue, setPropertyPointerNull,
  * setPropertyArrayEmpty and setPropertyArrayAndAlloc set the property from
  * the section's descriptor (the last allocates `count` items and gives their
- * first element and element size, both outputs optional).
+ * first element and element size, both outputs optional; a negative count
+ * fails with 0x800040D7 and one whose items would take more than
+ * kstd_persistentPropertyNodeSection_maxArrayBytes with 0x800040DC, before
+ * anything changes). getObjectInfoNonCoreArrayItem_ fails with
+ * ksys_result_failure on a section without the array-item flag.
  */
 VEXPERS_API kstd_result kstd_persistentPropertyNodeSection_assignNode(kstd_persistentPropertyNodeSection* section,
                                                                       const kstd_persistentPropertyNode* node,
@@ -337,7 +369,10 @@ VEXPERS_API kstd_result kstd_persistentPropertyNodeSection_setPropertyArrayAndAl
 
 /* Reading a section: each getter reads one field or a part of it. The type
  * names of getObjectTypeName_ / getObjectRunTimeTypeName_ are those of the
- * declared type and of the value actually held. */
+ * declared type and of the value actually held. getIsLeaf and
+ * getPropertyAndObjectInfo_ decode the leaf kind as the node's getIsLeaf does
+ * (ksys_result_failure for a leaf bit without a kind); the kinds' outputs are
+ * optional in getIsLeaf and getIsArray. */
 VEXPERS_API kstd_result kstd_persistentPropertyNodeSection_getIsLeaf(const kstd_persistentPropertyNodeSection* section,
                                                                      uint32_t* isLeaf, uint32_t* leafKind);
 VEXPERS_API kstd_result kstd_persistentPropertyNodeSection_getIsArray(const kstd_persistentPropertyNodeSection* section,
@@ -378,7 +413,8 @@ VEXPERS_API kstd_result kstd_persistentPropertyNodeSection_compareEqualPropertyI
 /* Life cycle: a tree is not copied: assigning it to itself succeeds, any
  * other source is a precondition fault (so constructCopy and newClone with a
  * source succeed only through that rule). reset frees every node, forgets all
- * objects and resets the bag set. */
+ * objects and resets the bag set; the allocator keeps its memory for the next
+ * nodes. destruct frees the nodes before the registry releases the objects. */
 VEXPERS_API kstd_result kstd_persistentPropertyTree_construct(kstd_persistentPropertyTree* tree);
 VEXPERS_API kstd_result kstd_persistentPropertyTree_constructCopy(kstd_persistentPropertyTree* tree,
                                                                   const kstd_persistentPropertyTree* source);
@@ -401,23 +437,52 @@ VEXPERS_API kstd_result kstd_persistentPropertyTree_getFirstChild(kstd_persisten
                                                                   kstd_persistentPropertyNode** node);
 VEXPERS_API kstd_result kstd_persistentPropertyTree_getFirstChildConst(const kstd_persistentPropertyTree* tree,
                                                                        const kstd_persistentPropertyNode** node);
-/** A new top-level node appended to the tree. */
+/** A new top-level node appended to the tree. Nodes are blocks of the tree's
+ *  allocator; at kstd_persistentPropertyTree_maxNodes live nodes the next
+ *  allocation fails with ksys_result_outOfMemory and changes no list. */
 VEXPERS_API kstd_result kstd_persistentPropertyTree_allocNextChild(kstd_persistentPropertyTree* tree,
                                                                    kstd_persistentPropertyNode** node);
 /** A node of the tree's allocator linked nowhere (free it with freeNodeAndChildren). */
 VEXPERS_API kstd_result kstd_persistentPropertyTree_allocTempNode(kstd_persistentPropertyTree* tree,
                                                                   kstd_persistentPropertyNode** node);
-/** Resets the tree and decomposes `property` into one new top-level node. */
+/**
+ * Resets the tree (ids start again at 0) and decomposes `property` into one
+ * new top-level node, depth first in property order, without recursion: a
+ * core value becomes a leaf (0x18); a null pointer or an object value without
+ * an object a leaf 0x28; an empty array a leaf 0x48 with its array kind; an
+ * array of core items a terminal node 0x1 holding the whole array; an array
+ * of other items a node 0x2 without children; an object, pointer or enum a
+ * compound node 0x4 with one child per persistent property. A shareable
+ * object (a non-null pointer, or an object its type calls shareable) that is
+ * not an array item gets the next id (has-object-id) the first time it is
+ * met; met again it becomes a reference leaf (0x80088) with that id and no
+ * children, unless it is held by value (object category, value derivation),
+ * which is expanded again in full without an id. One bag of the tree's bag
+ * set is borrowed at a time. The first failure ends the decomposition and is
+ * returned; the nodes built so far stay, marked decomposed (0x400000) only
+ * where their subtree is complete.
+ */
 VEXPERS_API kstd_result kstd_persistentPropertyTree_resetDecomposeProperty(kstd_persistentPropertyTree* tree,
                                                                            const kstd_persistentProperty* property);
 
 /*
  * Object registry. setObjectWithId records the object held by `value` under
- * `id` (negative or beyond the documented id cap: 0x80004040; no object:
- * 0x800040CC; id taken: 0x80001E7F). getObjectById gives the recorded variant
- * (0x800040DE for a free id). findObject gives the id of the object held by
- * `value`, recording it under the next id when it is new (isNew 1).
- * forgetAllObjects clears the registry (nodes keep their ids).
+ * `id`: negative or above kstd_persistentPropertyTree_maxObjectId fails with
+ * 0x80004040; a value of neither the object category nor the pointer
+ * derivation with 0x800040D6, no object with 0x800040CC, an id in use with
+ * 0x80001E7F, vectors of different lengths with 0x800040DF. An id at most
+ * max(length, 4096) past the end of objectPointers and objects grows both to
+ * id + 1 entries (5 on an empty registry gives 6); an id further out is kept
+ * aside, allocating nothing per unused id below it, and moves into the
+ * vectors when they grow over it. getObjectById resets `value`, then gives the
+ * recorded variant (0x800040DE for a negative, free or unknown id).
+ * findObject gives the lowest id under which the object held by `value` (its
+ * whole object) is recorded, with isNew 0; a new object is recorded under
+ * the next id (one past the highest id the registry has held or grown to
+ * since it was last cleared) with isNew 1, so decomposition numbers objects
+ * 0, 1, 2, ... in the order it first meets them. Lookups take constant time.
+ * forgetAllObjects clears the registry and releases the objects (nodes keep
+ * their ids).
  */
 VEXPERS_API kstd_result kstd_persistentPropertyTree_setObjectWithId(kstd_persistentPropertyTree* tree, int64_t id,
                                                                     const kstd_persistentVariant* value);
@@ -445,12 +510,43 @@ VEXPERS_API void ksys_typeCheckFuncPtr_kstd_persistentPropertyProcessor(
     kstd_result (*function)(kstd_persistentPropertyProcessor**));
 
 /*
- * Walks. processProperty and processPropertyBag walk a property or a bag
- * depth first through bags (events 0 to 3), reporting each shared object in
- * full once and by its index afterwards. processPropertyTree walks every
- * top-level node of a tree, processPropertyNode one node (events 4 to 7),
- * expanding arrays of other items item by item. The first failure (of the
- * visitor or the library) ends the walk and is returned.
+ * Walks. A null processor, value, bag, tree or visitor is a precondition
+ * fault. The result is that of the last visitor call when the walk
+ * succeeds, else the first failure (of the visitor or of the library), after
+ * which nothing further is called.
+ *
+ * processProperty empties the bag of depth 0 and adds `property` to it;
+ * processPropertyBag makes that bag a copy of `bag`. Then the bag walk: for
+ * the bag of depth d, event 0 (property null, index -1, count the bag's
+ * size); for each property, event 2 with its index, the bag's size, its
+ * identity and whether it is a leaf; a property that is not a leaf and not a
+ * shared object met before is expanded into the bag of depth d + 1 (its
+ * object's persistent properties; a non-empty array fails with 0x800040CA)
+ * and walked at d + 1; then event 3 as event 2; finally event 1 (index and
+ * count the bag's size). Identity: a shareable object (a non-null pointer,
+ * or an object whose type is always shareable or answers "kstd_shared")
+ * gets isShared 1 and objectIndex, its position in `sharedObjects` by first
+ * meeting; isNew is 1 when it was appended now. An object held by value is
+ * appended (and expanded) every time; a pointer to an object first met by
+ * value finds that entry. `sharedObjects` keeps its objects alive until
+ * reset, so a second walk on the same processor reports them as met. The
+ * processor keeps one bag per depth, reused by every walk.
+ *
+ * processPropertyTree walks each top-level node of `tree`;
+ * processPropertyNode walks `node` at `depth` (below 0: precondition
+ * fault): a leaf gives event 5, an array of core items event 6; any other
+ * node event 4, then its children at depth + 1 (none: 0x800040D9), then
+ * event 7. A decomposed array of other items is expanded instead: its
+ * container is read (no container 0x800040CC, an incomplete container table
+ * 0x800040C1, a negative count 0x800040D7, a missing element 0x800040D8), an
+ * empty one gives event 5 for the array's node, and each item is decomposed
+ * as an array item named "i" into one temporary node of the tree (objects
+ * met inside get ids in the tree as in decomposition) and walked at
+ * depth + 1.
+ *
+ * Both walks keep their levels on work stacks, so values nested as deep as
+ * memory allows are walked on any thread's stack; running out of memory
+ * fails with ksys_result_outOfMemory.
  */
 VEXPERS_API kstd_result kstd_persistentPropertyProcessor_processProperty(kstd_persistentPropertyProcessor* processor,
                                                                          const kstd_persistentProperty* property,
@@ -468,7 +564,8 @@ VEXPERS_API kstd_result kstd_persistentPropertyProcessor_processPropertyNode(
 
 /* ---- Composing: per-vector load functions ----------------------------------------------- */
 
-/* Each checks its three pointers and calls kstd_persistentType_loadPropertyNode(type, object, node). */
+/* Each checks its three pointers (precondition faults) and returns
+ * kstd_persistentType_loadPropertyNode(type, object, node). */
 VEXPERS_API kstd_result kstd_vector8s_loadPropertyNode(kstd_vector8s* object, const kstd_persistentType* type,
                                              const kstd_persistentPropertyNode* node);
 VEXPERS_API kstd_result kstd_vector8_loadPropertyNode(kstd_vector8* object, const kstd_persistentType* type,

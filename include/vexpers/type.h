@@ -388,8 +388,47 @@ VEXPERS_API kstd_result kstd_persistentType_getPersistentPropertyInfoSet(const k
 VEXPERS_API kstd_result kstd_persistentType_getContainerVtableAndContainedItemType(
     const kstd_persistentType* type, uint32_t* isContiguous, uint32_t* stride,
     const kstd_persistentContainerVtable** table, kstd_persistentType* itemType);
-/** Loads `object` (of `type`) from `node` and its subtree; a null object
- *  fails with 0x800040CC. */
+/*
+ * Composing: loads `object` (memory holding a constructed object of `type`)
+ * from `node` and its subtree. A null type or node is a precondition fault;
+ * a null object fails with 0x800040CC; an empty or unregistered type with
+ * 0x80004100 / 0x800040C8.
+ *   - A core type takes the core value of the node (its own value, or that
+ *     of its child "value"), converted as the variant's typed gets convert;
+ *     without one: 0x800040CD.
+ *   - A type without property info entries is loaded by the load entry of
+ *     its value access table (0x800040C1 when it has none).
+ *   - A type with entries is loaded entry by entry: each entry that has a
+ *     load accessor is matched by name to a child of the node (an enum or
+ *     core type may also be loaded from the node itself) and loaded through
+ *     its accessor; a member without a child keeps its value. Then the
+ *     after-load entry of the value access table runs, when there is one.
+ * The built-in types load as follows: a shared pointer's child "ptr" either
+ * defines the pointee (created with the child's type, recorded in the node's
+ * tree under the child's id before it loads, so that references inside it
+ * resolve; a type that answers no "kstd_shared" interface fails with
+ * 0x800040CD and the created object is deleted), or is a null-pointer leaf
+ * (the pointer is reset), or references an id recorded before (0x800040DE
+ * when none is; 0x80001E7F for an id defined twice); a vector's child
+ * "items" must hold an array of the vector's item type (0x800040CD
+ * otherwise), read through the node's container description, so arrays in
+ * containers and arrays rebuilt from sections load alike.
+ * The first failure ends composing and is returned: members loaded before it
+ * keep their new values, the others their old ones; objects recorded in the
+ * tree stay recorded; nothing else created is kept.
+ * Depth: objects are loaded from a work stack, not by recursion, so a chain
+ * of objects linked through shared pointers composes in constant native
+ * stack. While a load accessor runs, a call of this function for memory
+ * inside the object being loaded (the accessor's own member) checks its
+ * arguments and loads core values and objects without entries at once, but
+ * loads the entries of an object type right after the accessor returns and
+ * before the enclosing object's next entry; its result is then that of the
+ * part done during the call. A call for memory outside that object loads
+ * everything before it returns (and so nests). There is no depth limit: the
+ * work stack holds one frame per object being loaded on the current path of
+ * the tree, so it is bounded by the tree's size; when memory runs out the
+ * call fails with ksys_result_outOfMemory.
+ */
 VEXPERS_API kstd_result kstd_persistentType_loadPropertyNode(const kstd_persistentType* type, void* object,
                                                              const kstd_persistentPropertyNode* node);
 

@@ -34,6 +34,38 @@ kstd_result addChunk(kstd_blockAllocator* a) {
     return 0;
 }
 
+// Makes the next chunk the carving range. Normally the chunk being carved is
+// the newest (the head of the list) and every older one is full, so a new
+// chunk is allocated. After every block came back (see rewind) the kept
+// chunks are carved again: from the second one along the list to its end,
+// then the head, after which carving is normal again.
+kstd_result nextChunk(kstd_blockAllocator* a) {
+    auto* head = static_cast<ChunkHeader*>(a->chunks);
+    if (a->carveEnd != nullptr) {
+        auto* current = reinterpret_cast<ChunkHeader*>(a->carveEnd - a->chunkBytes);
+        if (current != head) {
+            ChunkHeader* next = current->next != nullptr ? current->next : head;
+            a->carve = reinterpret_cast<char*>(next + 1);
+            a->carveEnd = reinterpret_cast<char*>(next) + a->chunkBytes;
+            return 0;
+        }
+    }
+    return addChunk(a);
+}
+
+// Every block is back: forget the free list and carve the kept chunks again,
+// so that a structure rebuilt after it was freed as a whole is laid out in
+// the order it is built (which the caches and the TLB favour), not in the
+// scattered order of the free list.
+void rewind(kstd_blockAllocator* a) {
+    a->freeList = nullptr;
+    auto* head = static_cast<ChunkHeader*>(a->chunks);
+    if (head == nullptr) return;
+    ChunkHeader* first = head->next != nullptr ? head->next : head;
+    a->carve = reinterpret_cast<char*>(first + 1);
+    a->carveEnd = reinterpret_cast<char*>(first) + a->chunkBytes;
+}
+
 }  // namespace
 
 VEXPERS_EXPORT kstd_result kstd_blockAllocator_construct(kstd_blockAllocator* allocator, int32_t blockSize,
@@ -75,7 +107,7 @@ VEXPERS_EXPORT kstd_result kblk_alloc(kstd_blockAllocator* allocator, void** blo
         *block = allocator->freeList;
         allocator->freeList = *static_cast<void**>(allocator->freeList);
     } else {
-        if (allocator->carve == allocator->carveEnd) VEXPERS_TRY(addChunk(allocator));
+        if (allocator->carve == allocator->carveEnd) VEXPERS_TRY(nextChunk(allocator));
         *block = allocator->carve;
         allocator->carve += allocator->blockSize;
     }
@@ -89,7 +121,7 @@ VEXPERS_EXPORT kstd_result kblk_free(kstd_blockAllocator* allocator, void* block
     VEXPERS_REQUIRE(allocator->liveCount > 0);
     *static_cast<void**>(block) = allocator->freeList;
     allocator->freeList = block;
-    --allocator->liveCount;
+    if (--allocator->liveCount == 0) rewind(allocator);
     return 0;
 }
 

@@ -390,15 +390,13 @@ kstd_result loadPointer(void* object, const Node* node) {
         if (tree == nullptr) return kstd_persistentResult_nullArgument;
         LocalVariant created;
         VEXPERS_TRY(kstd_persistentVariant_resetNewObject(&created.v, &node->info.type));
-        void* whole = nullptr;
-        VEXPERS_TRY(kstd_persistentVariant_getWholeObject(&created.v, &whole));
-        kstd_shared* shared = nullptr;
-        const kstd_result asked = kstd_persistentVariant_getShared(&created.v, &shared);
-        if (failed(asked) || shared == nullptr) {
-            // No variant owns an object without a shared interface.
-            if (created.v.sharedObject.shared == nullptr && whole != nullptr)
-                kstd_persistentType_deleteObject(&created.v.type, &whole);
-            return failed(asked) ? asked : kstd_persistentResult_typeMismatch;
+        // The variant keeps the object alive through its shared interface;
+        // an object without one is owned by nobody and is deleted again.
+        void* whole = created.v.value.pointer;
+        kstd_shared* shared = created.v.sharedObject.shared;
+        if (shared == nullptr) {
+            if (whole != nullptr) kstd_persistentType_deleteObject(&created.v.type, &whole);
+            return kstd_persistentResult_typeMismatch;
         }
         // Recorded before it loads, so that references inside its own
         // subtree resolve to it.

@@ -89,6 +89,19 @@ public:
             if (slots_[i].key != 0) visit(slots_[i].key, slots_[i].value);
     }
 
+    // Empties the table. Its memory stays for the next fill unless it is
+    // much larger than this fill needed, so clearing costs no more than the
+    // filling did.
+    void clear() {
+        if (capacity_ > 8 * (count_ > 16 ? count_ : 16)) {
+            release();
+            return;
+        }
+        if (count_ > 0)
+            for (int64_t i = 0; i < capacity_; ++i) slots_[i] = Slot{0, 0};
+        count_ = 0;
+    }
+
     void release() {
         void* memory = slots_;
         ksys_memory_free_internal(&memory);

@@ -132,11 +132,22 @@ kstd_result setValue(Node* node, const kstd_persistentProperty* property) {
     return 0;
 }
 
+namespace {
+
+void fetchNode(const Node* node) {
+    if (node == nullptr) return;
+    for (size_t offset = 0; offset < sizeof(Node); offset += 64)
+        __builtin_prefetch(reinterpret_cast<const char*>(node) + offset, 1);
+}
+
+}  // namespace
+
 kstd_result freeSubtree(Node* node) {
     // The nodes still to free form one list through their sibling links: a
     // node's children are spliced in ahead of the rest before it goes.
     kstd_result first = 0;
     node->nextSibling = nullptr;
+    fetchNode(node->firstChild);
     for (Node* work = node; work != nullptr;) {
         Node* current = work;
         work = current->nextSibling;
@@ -147,6 +158,14 @@ kstd_result freeSubtree(Node* node) {
                 }
             last->nextSibling = work;
             work = current->firstChild;
+        }
+        // Large trees do not fit the caches. The next node was fetched one
+        // step ago: fetch the node after it and the object its value keeps
+        // alive (released when it goes) while this one is destroyed.
+        if (work != nullptr) {
+            fetchNode(work->firstChild != nullptr ? work->firstChild : work->nextSibling);
+            if (work->leafProperty.value.sharedObject.shared != nullptr)
+                __builtin_prefetch(work->leafProperty.value.sharedObject.shared, 1);
         }
         Tree* owner = current->owner;
         kstd_result result = kstd_persistentPropertyInfo_destruct(&current->info);
@@ -544,8 +563,8 @@ VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getContainer(const kstd_p
     VEXPERS_TRY(kstd_persistentType_reset(itemType));
     VEXPERS_REQUIRE(node != nullptr);
     if ((node->flags & flag::hasValue) == 0) return ksys_result_failure;
-    return kstd_persistentVariant_getContainer(&node->leafProperty.value, container, containerValue, elementSize,
-                                               first, count, table, itemType);
+    return kstd_persistentProperty_getContainer(&node->leafProperty, container, containerValue, elementSize, first,
+                                                count, table, itemType);
 }
 
 VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getArrayBeginSizeIntPtrConst(

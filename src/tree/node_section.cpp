@@ -186,9 +186,8 @@ VEXPERS_EXPORT kstd_result kstd_persistentPropertyNodeSection_setPropertyArrayAn
     VEXPERS_TRY(kstd_persistentType_getElementSize(&section->info.type, &size));
     if (int64_t{count} * size > kstd_persistentPropertyNodeSection_maxArrayBytes)
         return kstd_persistentResult_arraySizeOverflow;
-    VEXPERS_TRY(kstd_persistentPropertyInfo_assign(&section->property.info, &section->info));
-    VEXPERS_TRY(kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(&section->property.value, &section->info.type,
-                                                                      count, first, elementSize));
+    VEXPERS_TRY(kstd_persistentProperty_resetInfoAndValueArrayAndAlloc(&section->property, &section->info, count,
+                                                                       first, elementSize));
     section->numItems = count;
     return 0;
 }

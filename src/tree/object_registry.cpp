@@ -17,8 +17,10 @@
 // the index is rebuilt from nothing when the registry is cleared.
 //
 // The index and the side table live in one block that the tree's
-// objectIndex field owns; it is made on the first record and freed when the
-// registry is cleared (forgetAllObjects, reset, destruct).
+// objectIndex field owns; it is made on the first record, emptied when the
+// registry is cleared (forgetAllObjects, reset; it keeps its memory for the
+// next decomposition unless that memory is far larger than the last one
+// needed) and freed with the tree.
 #include <new>
 
 #include "tree/flat_table.hpp"
@@ -155,18 +157,38 @@ int64_t nextObjectId(const Tree* tree) {
 }
 
 kstd_result forgetObjects(Tree* tree) {
-    kstd_result first = kstd_vectorPtrConstVoid_clear(&tree->objectPointers);
-    const kstd_result result = kstd_vector_kstd_persistentVariant_clear(&tree->objects);
+    // Releasing n objects touches n scattered objects: release them here,
+    // fetching a few ahead, so that the vector's clear destroys empty variants.
+    kstd_result first = 0;
+    auto objects = elementsOf<kstd_persistentVariant>(tree->objects);
+    constexpr size_t ahead = 8;
+    for (size_t i = 0; i < objects.size(); ++i) {
+        if (i + ahead < objects.size() && objects[i + ahead].sharedObject.shared != nullptr)
+            __builtin_prefetch(objects[i + ahead].sharedObject.shared, 1);
+        const kstd_result result = kstd_persistentVariant_reset(&objects[i]);
+        if (first >= 0 && result < 0) first = result;
+    }
+    kstd_result result = kstd_vectorPtrConstVoid_clear(&tree->objectPointers);
+    if (first >= 0) first = result;
+    result = kstd_vector_kstd_persistentVariant_clear(&tree->objects);
     if (first >= 0) first = result;
     if (ObjectIndex* index = indexOf(tree); index != nullptr) {
         index->sparse.forEach(
             [&](uint64_t, int64_t value) { deleteSparseEntry(reinterpret_cast<SparseEntry*>(value), &first); });
+        index->sparse.clear();
+        index->lowestId.clear();
+        index->sparseEnd = 0;
+    }
+    return first;
+}
+
+void releaseObjectIndex(Tree* tree) {
+    if (ObjectIndex* index = indexOf(tree); index != nullptr) {
         index->~ObjectIndex();
         void* memory = index;
         ksys_memory_free_internal(&memory);
         tree->objectIndex = nullptr;
     }
-    return first;
 }
 
 }  // namespace vexpers::tree

@@ -79,6 +79,7 @@ VEXPERS_EXPORT kstd_result kstd_persistentPropertyTree_destruct(kstd_persistentP
     // The nodes hold shares of the objects, so they go before the registry.
     VEXPERS_TRY(freeTopLevel(tree));
     VEXPERS_TRY(forgetObjects(tree));
+    releaseObjectIndex(tree);
     VEXPERS_TRY(kstd_blockAllocator_destruct(&tree->nodeAllocator));
     VEXPERS_TRY(kstd_persistentPropertyBagSet_destruct(&tree->bagSet));
     VEXPERS_TRY(kstd_vectorPtrConstVoid_destruct(&tree->objectPointers));

@@ -9,8 +9,11 @@ namespace vexpers::tree {
 // or ever given to the registry since it was last cleared.
 int64_t nextObjectId(const kstd_persistentPropertyTree* tree);
 
-// Clears both vectors (releasing the objects) and frees the registry's index
-// and side table; the first failure is returned after everything went.
+// Clears both vectors (releasing the objects), the registry's index and its
+// side table; the first failure is returned after everything went.
 kstd_result forgetObjects(kstd_persistentPropertyTree* tree);
+
+// Frees the memory of the index and side table (after forgetObjects).
+void releaseObjectIndex(kstd_persistentPropertyTree* tree);
 
 }  // namespace vexpers::tree

@@ -56,6 +56,31 @@ TEST(BlockAllocator, ReusesBlocksAndGrowsByChunks) {
     EXPECT_EQ(leaks.leaked(), 0);
 }
 
+TEST(BlockAllocator, AllBlocksBackMeansTheChunksAreCarvedAgain) {
+    LiveBlockCheck leaks;
+    kstd_blockAllocator a;
+    ASSERT_EQ(kstd_blockAllocator_construct(&a, 40, 256, -1), 0);  // five blocks a chunk
+    std::vector<void*> blocks(12);
+    for (void*& block : blocks) ASSERT_EQ(kblk_alloc(&a, &block), 0);
+    for (int64_t chunks : {3, 4}) {
+        for (void* block : blocks) ASSERT_EQ(kblk_free(&a, block), 0);
+        blocks.assign(size_t(chunks) * 5, nullptr);
+        for (void*& block : blocks) ASSERT_EQ(kblk_alloc(&a, &block), 0);
+        EXPECT_EQ(leaks.leaked(), chunks) << "the kept chunks serve every block";
+        EXPECT_EQ(std::set<void*>(blocks.begin(), blocks.end()).size(), blocks.size());
+        for (size_t i = 1; i < blocks.size(); ++i) {
+            if (i % 5 != 0) {
+                EXPECT_EQ(static_cast<char*>(blocks[i]) - static_cast<char*>(blocks[i - 1]), 48);
+            }
+        }
+        blocks.push_back(nullptr);
+        ASSERT_EQ(kblk_alloc(&a, &blocks.back()), 0);
+        EXPECT_EQ(leaks.leaked(), chunks + 1) << "then a new chunk";
+    }
+    ASSERT_EQ(kstd_blockAllocator_destruct(&a), 0);
+    EXPECT_EQ(leaks.leaked(), 0);
+}
+
 TEST(BlockAllocator, MaximumBlocksAndTheCleanupFunction) {
     LiveBlockCheck leaks;
     kstd_blockAllocator a;

@@ -159,6 +159,22 @@ void valuesOfCoreTypesEnumsAndVectorsLoadAndMissingMembersStay() {
     AssertRecorder faults;
     EXPECT_EQ(kstd_vector64s_loadPropertyNode(nullptr, &vectorType.t, v64s), ksys_result_preconditionFailed);
     EXPECT_EQ(faults.count(), 1);
+
+    // A type without declared properties loads through its load entry,
+    // which may load its members through their types in turn.
+    TreeBox tree;
+    ASSERT_EQ(rebuild({start(u"root", u"RtCounter"), integer(u"count", u"k_Int64", 41), start(u"box", u"RtBox"),
+                       integer(u"height", u"k_Int32", 8), end(), end()},
+                      &tree.t),
+              0);
+    Counter counter{0, Box{1, 2}};
+    EXPECT_EQ(kstd_persistentType_loadPropertyNode(types().counter, &counter, tree.t.firstChild), 0);
+    EXPECT_EQ(counter.count, 41);
+    EXPECT_EQ(counter.box.width, 1);
+    EXPECT_EQ(counter.box.height, 8);
+    Plain bare{5};
+    EXPECT_EQ(kstd_persistentType_loadPropertyNode(types().bare, &bare, tree.t.firstChild),
+              kstd_persistentResult_operationMissing);
 }
 
 TEST(Compose, ValuesOfCoreTypesEnumsAndVectorsLoadAndMissingMembersStay) {
@@ -197,6 +213,11 @@ void untrustedTreesFailWithCodesAndLeakNothing() {
         kstd_persistentVariant_construct(&recorded);
         EXPECT_EQ(kstd_persistentPropertyTree_getObjectById(&c.tree.t, 0, &recorded), kstd_persistentResult_objectIdNotFound);
         kstd_persistentVariant_destruct(&recorded);
+        // The same with a core type that can be created (a string).
+        Composition text({start(u"root", u"RtNode"), start(u"next", u"kstd_ptrh"), define(u"kstd_unicodeString", 0),
+                          end(), end(), end()});
+        ASSERT_EQ(text.built, 0);
+        EXPECT_EQ(text.compose(), kstd_persistentResult_typeMismatch);
     }
     {
         // Vector items of another core type, and a single value where items belong.

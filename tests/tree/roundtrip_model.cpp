@@ -313,11 +313,35 @@ constexpr kstd_typeDescriptorMinimalVtable linkMinimal{sharedHeader<Link>, linkT
 
 constexpr kstd_persistentValueAccessVtable emptyAccess{};
 
+kstd_result counterLoad(void* object, const kstd_persistentPropertyNode* node) {
+    auto* counter = static_cast<Counter*>(object);
+    RT_TRY(kstd_persistentPropertyNode_getEnumAsInt64(node, u"count", &counter->count));
+    const kstd_persistentPropertyNode* box = nullptr;
+    RT_TRY(kstd_persistentPropertyNode_getMatchingChildConst(node, u"box", 1, &box));
+    kstd_persistentType boxType;
+    kstd_persistentType_construct(&boxType);
+    kstd_result result = kstd_persistentTypeGetType(u"RtBox", 0, 1, &boxType);
+    if (result >= 0) result = kstd_persistentType_loadPropertyNode(&boxType, &counter->box, box);
+    kstd_persistentType_destruct(&boxType);
+    return result;
+}
+constexpr kstd_persistentValueAccessVtable counterAccess{nullptr, nullptr, nullptr, nullptr,    nullptr,
+                                                         nullptr, nullptr, nullptr, counterLoad};
+
+std::vector<AfterLoad> afterLoads;
+kstd_result linkLoaded(void* object) {
+    const Link* link = static_cast<const Link*>(object);
+    afterLoads.push_back(AfterLoad{link->value, link->next.shared != nullptr});
+    return 0;
+}
+constexpr kstd_persistentValueAccessVtable linkAccess{nullptr, nullptr, nullptr, nullptr,   nullptr,
+                                                      nullptr, nullptr, linkLoaded, nullptr};
+
 // ---- Declared properties ----------------------------------------------------------------
 
 struct Registered {
-    uint32_t colorFlag, colorBitsFlag, boxFlag, itemFlag, plainFlag, linkFlag, nodeFlag;
-    kstd_persistentType color, colorBits, box, item, plain, link, node, ptrh;
+    uint32_t colorFlag, colorBitsFlag, boxFlag, itemFlag, plainFlag, linkFlag, nodeFlag, counterFlag, bareFlag;
+    kstd_persistentType color, colorBits, box, item, plain, link, node, ptrh, counter, bare;
 };
 Registered registered{};
 
@@ -407,15 +431,21 @@ Types registerModule() {
     EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtPlain", &plainObjects<Plain>, &emptyAccess, &plainProperties,
                                                     0, &registered.plainFlag, &registered.plain),
               0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtLink", &linkObjects, &emptyAccess, &linkProperties,
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtLink", &linkObjects, &linkAccess, &linkProperties,
                                                            &linkMinimal, 0, &registered.linkFlag, &registered.link),
               0);
     EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtNode", &nodeObjects, &emptyAccess, &nodeProperties,
                                                            &nodeMinimal, 0, &registered.nodeFlag, &registered.node),
               0);
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtCounter", &plainObjects<Counter>, &counterAccess, nullptr, 0,
+                                                    &registered.counterFlag, &registered.counter),
+              0);
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtBare", &plainObjects<Plain>, &emptyAccess, nullptr, 0,
+                                                    &registered.bareFlag, &registered.bare),
+              0);
     kstd_persistentType_construct(&registered.ptrh);
     EXPECT_EQ(kstd_persistentTypeGetType_kstd_ptrh(&registered.ptrh, 1), 0);
-    return Types{&registered.node, &registered.link, &registered.plain, &registered.box,
+    return Types{&registered.counter, &registered.bare, &registered.node, &registered.link, &registered.plain, &registered.box,
                  &registered.item, &registered.color, &registered.ptrh};
 }
 
@@ -641,6 +671,7 @@ Link* linkOf(const kstd_ptrh& pointer) {
     return pointer.shared != nullptr ? static_cast<Link*>(pointer.shared->whole) : nullptr;
 }
 int64_t liveObjects() { return live.load(); }
+std::vector<AfterLoad>& linkAfterLoads() { return afterLoads; }
 
 void unlinkNode(Node* node) {
     kstd_ptrh_reset(&node->next);

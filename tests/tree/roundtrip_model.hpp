@@ -93,7 +93,16 @@ struct Plain {
     int32_t value;
 };
 
+// A type without declared properties, loaded whole by its value access
+// table's load entry: "count" from a leaf, "box" through the box's type.
+struct Counter {
+    int64_t count;
+    Box box;
+};
+
 struct Types {
+    const kstd_persistentType* counter;
+    const kstd_persistentType* bare;  // no declared properties, no load entry
     const kstd_persistentType* node;
     const kstd_persistentType* link;
     const kstd_persistentType* plain;
@@ -113,6 +122,13 @@ Node* nodeOf(const kstd_ptrh& pointer);
 Link* linkOf(const kstd_ptrh& pointer);
 // Number of Node and Link objects alive.
 int64_t liveObjects();
+// The after-load calls of links since the last clear: the link's value and
+// whether its next pointer was set by then.
+struct AfterLoad {
+    int32_t value;
+    bool hasNext;
+};
+std::vector<AfterLoad>& linkAfterLoads();
 
 // Drops every pointer a node holds (links of its items included), so that
 // cycles can be released.

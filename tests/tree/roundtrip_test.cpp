@@ -263,7 +263,22 @@ TEST(RoundTrip, LongChainComposesWithoutDeepNativeStack) {
         ASSERT_EQ(rebuild(writer.records, &rebuilt.t), 0);
         writer = Writer{};
         PointerBox composed;
+        linkAfterLoads().clear();
         ASSERT_EQ(kstd_persistentType_loadPropertyNode(types().ptrh, &composed.p, rebuilt.t.firstChild), 0);
+        // As composed recursively: a link's after-load entry runs once its
+        // next link is loaded completely and pointed at, so the last link
+        // comes first.
+        ASSERT_EQ(linkAfterLoads().size(), size_t(length));
+        EXPECT_EQ(linkAfterLoads().front().value, -1);
+        EXPECT_FALSE(linkAfterLoads().front().hasNext);
+        for (int32_t i = 1; i < length; ++i) {
+            const AfterLoad& loaded = linkAfterLoads()[size_t(i)];
+            if (loaded.value != length - 1 - i || !loaded.hasNext) {
+                ADD_FAILURE() << "after-load " << i << " gave " << loaded.value;
+                break;
+            }
+        }
+        linkAfterLoads().clear();
         int32_t count = 0;
         const Link* link = linkOf(composed.p);
         for (; link != nullptr && link->value != -1; link = linkOf(link->next)) {

@@ -8,6 +8,11 @@ namespace {
 
 kstd_result noDestroy(kstd_shared*) { return 0; }
 constexpr kstd_sharedCustom counting{noDestroy, nullptr, nullptr};
+kstd_result itemSharedTypename(const kstd_shared*, const char16_t** name) {
+    *name = u"TreeItem";
+    return 0;
+}
+constexpr kstd_sharedTyped typed{kstd_shared_queryInterfaceByTypenameFinal, itemSharedTypename};
 
 const Item& itemOf(const void* object) { return *static_cast<const Item*>(object); }
 
@@ -44,6 +49,10 @@ kstd_result numberAddress(const void* object, const void** member) {
 }
 kstd_result ratioAddress(const void* object, const void** member) {
     *member = &itemOf(object).ratio;
+    return 0;
+}
+kstd_result linkAddress(const void* object, const void** member) {
+    *member = &itemOf(object).link;
     return 0;
 }
 kstd_result partAddress(const void* object, const void** member) {
@@ -104,6 +113,7 @@ const kstd_persistentPropertyInfoDefinition itemDefinitions[]{
     {u"second", 2, u"TreeItem", 1, word(5, secondValue)},
     {u"embedded", 2, u"TreeItem", 0, word(5, embeddedValue)},
     {u"values", 2, u"k_Int32", 2, word(7, locateValues)},
+    {u"link", 2, u"kstd_ptrh", 0, word(4, linkAddress)},
 };
 const kstd_persistentStaticPropertyList itemProperties{itemDefinitions, std::size(itemDefinitions)};
 
@@ -141,11 +151,15 @@ Registration* registerTypes() {
 
 Item::Item() : number(0), ratio(0), part{0}, first(nullptr), second(nullptr), embedded(nullptr) {
     std::memset(&header, 0, sizeof header);
-    kstd_shared_initCustom(&header, this, &counting);
+    kstd_shared_initCustomTyped(&header, this, &counting, &typed);
     kstd_vector32s_construct(&values);
+    kstd_ptrh_constructBaseTypename(&link, nullptr, u"TreeItem");
 }
 
-Item::~Item() { kstd_vector32s_destruct(&values); }
+Item::~Item() {
+    kstd_ptrh_destruct(&link);
+    kstd_vector32s_destruct(&values);
+}
 
 const Types& types() {
     static Registration* r = registerTypes();

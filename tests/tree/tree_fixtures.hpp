@@ -2,9 +2,9 @@
 //
 // "TreeItem" is a shareable object (it answers "kstd_shared") with a number,
 // a ratio, a part held by value ("TreePart", not shareable), two pointers to
-// other items, an item held by value (null allowed) and a vector of int32
-// items. Its declared properties, in this order: number, ratio, part, first,
-// second, embedded, values.
+// other items, an item held by value (null allowed), a vector of int32 items
+// and a shared pointer to an item. Its declared properties, in this order:
+// number, ratio, part, first, second, embedded, values, link.
 #pragma once
 
 #include <string>
@@ -26,6 +26,7 @@ struct Item {
     Item* second;
     Item* embedded;
     kstd_vector32s values;
+    kstd_ptrh link;
     Item();
     ~Item();
     Item(const Item&) = delete;
@@ -83,6 +84,7 @@ int childCount(const kstd_persistentPropertyNode* node);
 const kstd_persistentPropertyNode* child(const kstd_persistentPropertyNode* node, const char16_t* name);
 
 inline constexpr uint32_t reference = 0x80088u;
+inline constexpr int itemProperties = 8;
 
 // Expects, when it goes, that no block allocated since it was made is left;
 // declare it before the records whose memory it checks.
