@@ -128,7 +128,7 @@ kstd_result writeStdout(void*, const void* bytes, size_t count) {
 // ---- Progress on a terminal ------------------------------------------------------------
 
 struct Progress {
-    const char* stage = "";
+    const char* stage = nullptr;  // null: no progress shown
     bool shown = false;
 };
 
@@ -138,6 +138,14 @@ void showProgress(void* context, int64_t nodes, int64_t bytes) {
                  static_cast<double>(bytes) / 1e6);
     std::fflush(stderr);
     progress->shown = true;
+}
+
+// Stages that are one library call show only that they run.
+void showWorking(Progress& progress, const char* stage) {
+    if (progress.stage == nullptr) return;
+    std::fprintf(stderr, "\r  %-10s working...", stage);
+    std::fflush(stderr);
+    progress.shown = true;
 }
 
 void clearProgress(Progress& progress) {
@@ -225,6 +233,7 @@ int demo(int argc, char** argv) {
     kfmt_options_setDefaults(&options);
     options.flags = kfmt_flag_checkObjectIds;
     if (objects >= 100000 && isatty(STDERR_FILENO)) {
+        progress.stage = "";
         options.progress = showProgress;
         options.progressContext = &progress;
         options.progressInterval = 1 << 18;
@@ -251,10 +260,12 @@ int demo(int argc, char** argv) {
     {
         kstd_persistentProperty property;
         kstd_persistentProperty_construct(&property);
+        showWorking(progress, "decompose");
         Stopwatch time;
         result = kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(&property, u"scene", 2, &scene.p);
         if (result >= 0) result = kstd_persistentPropertyTree_resetDecomposeProperty(&decomposed.t, &property);
         kstd_persistentProperty_destruct(&property);
+        clearProgress(progress);
         if (result < 0) return failed("decompose", result, nullptr);
         stage("decompose", time.milliseconds(), "the scene as a property tree");
     }
@@ -262,7 +273,7 @@ int demo(int argc, char** argv) {
     // Write.
     Memory bytes;
     {
-        progress.stage = "write";
+        if (progress.stage != nullptr) progress.stage = "write";
         Stopwatch time;
         result = out != nullptr ? kfmt_writeTreeFile(&decomposed.t, format, out, &options, &written, &report)
                                 : kfmt_writeTree(&decomposed.t, format, &bytes.sink, &options, &written, &report);
@@ -276,7 +287,7 @@ int demo(int argc, char** argv) {
     Tree tree;
     std::vector<uint8_t> fileBytes;
     {
-        progress.stage = "read";
+        if (progress.stage != nullptr) progress.stage = "read";
         Stopwatch time;
         if (out != nullptr) {
             result = kfmt_readTreeFile(&tree.t, kfmt_format_detect, out, &options, &read, &report);
@@ -294,7 +305,7 @@ int demo(int argc, char** argv) {
     // Write again what was read: the same bytes.
     {
         Memory again;
-        progress.stage = "rewrite";
+        if (progress.stage != nullptr) progress.stage = "rewrite";
         Stopwatch time;
         result = kfmt_writeTree(&tree.t, format, &again.sink, &options, &rewritten, &report);
         clearProgress(progress);
@@ -320,8 +331,10 @@ int demo(int argc, char** argv) {
     // Compose fresh objects.
     Pointer copy;
     {
+        showWorking(progress, "compose");
         Stopwatch time;
         result = kstd_persistentType_loadPropertyNode(vexpers::demo::pointerType(), &copy.p, tree.t.firstChild);
+        clearProgress(progress);
         if (result < 0) {
             vexpers::demo::unlinkRecorded(&tree.t);
             return failed("compose", result, nullptr);
