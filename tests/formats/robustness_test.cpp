@@ -303,3 +303,35 @@ TEST(Formats, DetectionAndNames) {
 
 }  // namespace
 }  // namespace vexpers::test::formats
+
+namespace vexpers::test::formats {
+namespace {
+
+// The binary path allocates only through the memory service: every failing
+// allocation of a write and a read gives a code and leaks nothing. (The
+// JSON path leaves RapidJSON's own stacks to RapidJSON, which does not
+// survive a failed allocation.)
+TEST(FormatsMemory, BinaryWriteAndReadFailCleanlyAtEveryAllocation) {
+    ASSERT_EQ(demo::registerTypes(), 0);
+    Scene scene;
+    demo::Census census;
+    ASSERT_EQ(demo::buildScene(5, &scene.p, &census), 0);
+    Tree decomposed, readBack;
+    ASSERT_EQ(decompose(scene.p, &decomposed.t), 0);
+    // The tree keeps its node allocator's first chunk after a reset.
+    ASSERT_EQ(read(&readBack.t, sceneBytes(5, kfmt_format_binary)), 0);
+    kstd_persistentPropertyTree_reset(&readBack.t);
+    const kfmt_options options = checkingOptions();
+    const int64_t sites = sweepAllocationFailures(
+        [&] {
+            Bytes bytes;
+            const kstd_result result = write(&decomposed.t, kfmt_format_binary, &bytes);
+            if (result < 0) return result;
+            return read(&readBack.t, bytes.data(), bytes.size(), &options);
+        },
+        [&] { kstd_persistentPropertyTree_reset(&readBack.t); });
+    EXPECT_GT(sites, 50);
+}
+
+}  // namespace
+}  // namespace vexpers::test::formats

@@ -225,3 +225,32 @@ TEST_P(RoundTrips, DeepChainRoundTrips) {
 
 }  // namespace
 }  // namespace vexpers::test::formats
+
+namespace vexpers::test::formats {
+namespace {
+
+// Text with an unpaired surrogate: JSON cannot hold it and says so; the
+// binary format keeps it unit for unit.
+TEST(Formats, UnpairedSurrogatesAreKeptInBinaryAndRefusedInJson) {
+    const char16_t text[] = {u'a', 0xD800, u'b', 0};
+    kstd_unicodeString value;
+    kstd_unicodeString_construct(&value);
+    ASSERT_EQ(kstd_unicodeString_assignStringW(&value, text), 0);
+    rt::PropertyBox property;
+    ASSERT_EQ(kstd_persistentProperty_resetInfoAndValue_kstd_unicodeString(&property.p, u"odd", 2, &value), 0);
+    kstd_unicodeString_destruct(&value);
+    Tree tree, readBack;
+    ASSERT_EQ(kstd_persistentPropertyTree_resetDecomposeProperty(&tree.t, &property.p), 0);
+    Bytes json, binary, again;
+    kfmt_report report{};
+    EXPECT_EQ(write(&tree.t, kfmt_format_json, &json, &report), kfmt_result_notStorable);
+    EXPECT_NE(std::string(report.message).find("offset"), std::string::npos) << report.message;
+    ASSERT_EQ(write(&tree.t, kfmt_format_binary, &binary), 0);
+    ASSERT_EQ(read(&readBack.t, binary), 0);
+    ASSERT_EQ(write(&readBack.t, kfmt_format_binary, &again), 0);
+    EXPECT_EQ(binary, again);
+    EXPECT_EQ(dumpOf(&readBack.t), "odd: kstd_unicodeString = \"a\\uD800b\"\n");
+}
+
+}  // namespace
+}  // namespace vexpers::test::formats
