@@ -458,7 +458,8 @@ VEXPERS_API kstd_result kstd_persistentPropertyTree_allocTempNode(kstd_persisten
  * met; met again it becomes a reference leaf (0x80088) with that id and no
  * children, unless it is held by value (object category, value derivation),
  * which is expanded again in full without an id. One bag of the tree's bag
- * set is borrowed at a time. The first failure ends the decomposition and is
+ * set is borrowed at a time, and the bags hold no values afterwards, so the
+ * tree keeps objects alive only through its nodes and its registry. The first failure ends the decomposition and is
  * returned; the nodes built so far stay, marked decomposed (0x400000) only
  * where their subtree is complete.
  */

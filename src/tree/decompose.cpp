@@ -9,13 +9,13 @@
 // Each expansion borrows one bag from the tree's bag set and gives it back
 // before any child is built, so one bag is borrowed at a time.
 #include "tree/tree_internal.hpp"
+#include "vectors/vector_view.hpp"
 
 namespace vexpers::tree {
-namespace {
 
-// Whether the node's value is a shareable object.
-kstd_result isShareable(const kstd_persistentVariant* value, bool* shareable) {
+kstd_result isShareableValue(const kstd_persistentVariant* value, bool* shareable, const void** whole) {
     *shareable = false;
+    if (whole != nullptr) *whole = nullptr;
     uint32_t category = 0;
     uint32_t derivation = 0;
     VEXPERS_TRY(kstd_persistentVariant_getTypeCategoryAndDerivation(value, &category, &derivation));
@@ -32,11 +32,15 @@ kstd_result isShareable(const kstd_persistentVariant* value, bool* shareable) {
     if (!*shareable) return 0;
     // A shareable value needs a whole-object pointer: the whole shared
     // object when the variant keeps one alive, else the object itself.
-    void* whole = nullptr;
-    VEXPERS_TRY(kstd_ptrh_getWholeShared(&value->sharedObject, &whole));
-    *shareable = whole != nullptr || object != nullptr;
+    void* wholeShared = nullptr;
+    VEXPERS_TRY(kstd_ptrh_getWholeShared(&value->sharedObject, &wholeShared));
+    const void* wholeObject = wholeShared != nullptr ? wholeShared : object;
+    *shareable = wholeObject != nullptr;
+    if (whole != nullptr) *whole = wholeObject;
     return 0;
 }
+
+namespace {
 
 // Gives the node its identity: an id where it defines a shareable object, a
 // reference leaf where it meets one again (unless held by value).
@@ -45,7 +49,7 @@ kstd_result giveIdentity(Node* node) {
     if ((node->flags & flag::hasValue) == 0 || (node->flags & flag::arrayItem) != 0) return 0;
     const kstd_persistentVariant* value = &node->leafProperty.value;
     bool shareable = false;
-    VEXPERS_TRY(isShareable(value, &shareable));
+    VEXPERS_TRY(isShareableValue(value, &shareable, nullptr));
     if (!shareable) return 0;
     int64_t id = -1;
     uint32_t isNew = 0;
@@ -116,6 +120,23 @@ kstd_result build(Node* root) {
 }
 
 }  // namespace
+
+kstd_result releaseBagValues(kstd_persistentPropertyBagSet* set) {
+    kstd_result first = 0;
+    const auto keep = [&first](kstd_result result) {
+        if (first >= 0 && result < 0) first = result;
+    };
+    for (int32_t i = 0; i < set->numBags; ++i) {
+        kstd_persistentPropertyBag* bag = set->bags[i];
+        if (set->isAvailable[i] == 0 || bag == nullptr) continue;
+        keep(kstd_persistentPropertyBag_removeAllProperties(bag));
+        for (kstd_persistentProperty& slot : elementsOf<kstd_persistentProperty>(bag->propertySlots))
+            keep(kstd_persistentProperty_reset(&slot));
+        keep(kstd_persistentProperty_reset(&bag->spareProperty));
+    }
+    return first;
+}
+
 }  // namespace vexpers::tree
 
 using namespace vexpers::tree;
@@ -130,5 +151,7 @@ VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_resetDecomposeProperty(ks
     VEXPERS_TRY(freeChildren(node));
     if (isArrayItem != 0) node->flags |= flag::arrayItem;
     VEXPERS_TRY(setValue(node, property));
-    return build(node);
+    const kstd_result result = build(node);
+    const kstd_result released = releaseBagValues(&node->owner->bagSet);
+    return result < 0 ? result : released;
 }

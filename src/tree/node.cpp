@@ -12,14 +12,18 @@ bool isEmptyName(const char16_t* name) { return name == nullptr || name[0] == 0;
 
 // Whether a section's flag word is one that writers make: only defined bits;
 // a leaf bit with exactly one kind bit, kind bits only with it; at most one
-// array kind; compound only without leaf and array bits.
+// array kind; compound never with an array bit, and with a leaf bit only for
+// a reference leaf (decomposition marks an object compound before it finds
+// that the object was met already, and flags are only ever added).
 bool isWellFormed(uint32_t flags) {
     if ((flags & ~flag::known) != 0) return false;
     const int kinds = std::popcount(flags & flag::leafKindBits);
     if ((flags & flag::leaf) != 0 ? kinds != 1 : kinds != 0) return false;
     if (allSet(flags, flag::arrayCore | flag::arrayOther)) return false;
-    if ((flags & flag::compound) != 0 && (flags & (flag::leaf | flag::arrayCore | flag::arrayOther)) != 0)
-        return false;
+    if ((flags & flag::compound) != 0) {
+        if ((flags & (flag::arrayCore | flag::arrayOther)) != 0) return false;
+        if ((flags & flag::leaf) != 0 && !allSet(flags, flag::reference)) return false;
+    }
     return true;
 }
 

@@ -90,7 +90,8 @@ VEXPERS_EXPORT kstd_result kstd_persistentPropertyTree_reset(kstd_persistentProp
     VEXPERS_REQUIRE(tree != nullptr);
     VEXPERS_TRY(freeTopLevel(tree));
     VEXPERS_TRY(forgetObjects(tree));
-    return kstd_persistentPropertyBagSet_reset(&tree->bagSet);
+    VEXPERS_TRY(kstd_persistentPropertyBagSet_reset(&tree->bagSet));
+    return releaseBagValues(&tree->bagSet);
 }
 
 VEXPERS_EXPORT kstd_result kstd_persistentPropertyTree_assign(kstd_persistentPropertyTree* tree,

@@ -86,6 +86,21 @@ kstd_result freeSubtree(Node* node);
 // Detaches the children of `node` and frees them with their subtrees.
 kstd_result freeChildren(Node* node);
 
+// Whether a value is a shareable object, the kind that gets an id when it is
+// first met and is referred to afterwards: a non-null pointer, or an object
+// (not an array) whose type calls it shareable; in either case the value
+// must yield a whole-object pointer (*whole, optional: the whole shared object
+// the variant keeps alive, else the object itself; null when not shareable).
+// Decomposition and the processor decide alike. Failing type queries are
+// returned.
+kstd_result isShareableValue(const kstd_persistentVariant* value, bool* shareable, const void** whole);
+
+// The bags of a bag set keep the properties of their last fill as spare
+// slots, and with them shares of the objects they held. Drops those values in
+// every bag not lent out, so that a tree keeps objects alive only through its
+// nodes and its registry. The first failure is returned after all.
+kstd_result releaseBagValues(kstd_persistentPropertyBagSet* set);
+
 // A stack of trivially copyable items in memory of the memory service.
 template <class T>
 class WorkStack {

@@ -84,10 +84,10 @@ kstd_result deletePointer(void** object) {
 
 // The store accessor of "ptr": one property whose descriptor has the pointee's
 // own type name (or, for an empty pointer or an untyped pointee, the pointer's
-// base type name) with
-// the pointer derivation, and whose value points at the whole shared object.
-// The property also keeps a reference to the object, so that a tree or
-// processor that records it keeps it alive.
+// base type name) with the pointer derivation, and whose value points at the
+// whole shared object. The value borrows the object, like every object a
+// decomposition meets: a property kept for reuse in a bag's spare slot must
+// not keep the caller's object alive.
 template <class P>
 kstd_result storePointee(const void* object, kstd_persistentProperty* property) {
     const P* pointer = static_cast<const P*>(object);
@@ -101,8 +101,7 @@ kstd_result storePointee(const void* object, kstd_persistentProperty* property) 
     VEXPERS_TRY(kstd_persistentType_resetTypeNameAndDerivation(&type, typeName, kstd_persistentTypeDerivation_pointer));
     void* whole = nullptr;
     if (pointer->shared != nullptr) VEXPERS_TRY(kstd_shared_getWhole(pointer->shared, &whole));
-    VEXPERS_TRY(kstd_persistentProperty_resetInfoAndValueUsingType(property, &type, u"ptr", 2, whole));
-    return kstd_ptrh_assignShared(&property->value.sharedObject, pointer->shared);
+    return kstd_persistentProperty_resetInfoAndValueUsingType(property, &type, u"ptr", 2, whole);
 }
 
 // The accessor words of "ptr": the store accessor and the direct load

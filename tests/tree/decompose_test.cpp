@@ -153,9 +153,16 @@ TEST_F(DecomposeTest, CycleThroughSharedPointersEndsAtAReferenceLeaf) {
     EXPECT_EQ(backToA->objectId, 0);
     EXPECT_EQ(child(nodeB, u"second")->objectId, 1);
     EXPECT_EQ(child(nodeB, u"second")->flags & reference, reference);
+    // The tree's shares of the objects go with its nodes and registry; the
+    // bags it decomposed through keep none.
     ASSERT_EQ(kstd_persistentPropertyTree_reset(&tree), 0);
+    int32_t count = -1;
+    kstd_shared_getReferenceCount(&a.header, &count);
+    EXPECT_EQ(count, 1);  // b's link
     kstd_ptrh_reset(&a.link);
     kstd_ptrh_reset(&b.link);
+    kstd_shared_getReferenceCount(&a.header, &count);
+    EXPECT_EQ(count, 0);
 }
 
 TEST_F(DecomposeTest, LongChainsDecomposeAndFreeWithOneBag) {

@@ -520,11 +520,9 @@ kstd_result variantOf(const Scalar& scalar, const kstd_persistentType* type, kst
 Record recordOf(const kstd_persistentPropertyNode* node, uint32_t sectionType) {
     Record record;
     record.sectionType = sectionType;
+    // The whole flag word, as a section made with assignNode carries it (a
+    // reference leaf keeps the compound bit it had before it became one).
     record.flags = node->flags;
-    // A reference leaf keeps the compound bit its node had before it became
-    // a reference; a leaf section is written without it.
-    if ((record.flags & kstd_persistentPropertyNodeFlag_leaf) != 0)
-        record.flags &= ~kstd_persistentPropertyNodeFlag_compound;
     record.name = textOf(node->info.name);
     record.typeName = typeNameOf(node->info.type, &record.derivation);
     record.access = node->info.dataAccess;
