@@ -39,7 +39,7 @@ using Base = rapidjson::Writer<Stream, json::Utf16, json::Utf8, json::StackAlloc
 // deep trees do not drown in white space).
 class LineWriter : public Base {
 public:
-    explicit LineWriter(Stream& stream) : Base(stream, nullptr, 64) {}
+    LineWriter(Stream& stream, json::StackAllocator* allocator) : Base(stream, allocator, 64) {}
 
     bool startNodeObject(int64_t depth) {
         Level* level = level_stack_.Top<Level>();
@@ -81,7 +81,7 @@ const char16_t* kindName(const Kinds& kinds) {
 
 class JsonEncoder final : public Encoder {
 public:
-    explicit JsonEncoder(Output& output) : Encoder(output), writer_(stream_) { stream_.out = &output; }
+    explicit JsonEncoder(Output& output) : Encoder(output), writer_(stream_, &allocator_) { stream_.out = &output; }
 
     kstd_result begin() override {
         bool ok = writer_.StartObject() && writer_.key(u"format") && writer_.String(json::formatName) &&
@@ -170,6 +170,7 @@ private:
     }
 
     Stream stream_{};
+    json::StackAllocator allocator_;
     LineWriter writer_;
     int64_t depth_ = 0;
 };
