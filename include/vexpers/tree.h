@@ -171,10 +171,13 @@ typedef kstd_result (*kstd_persistentPropertyNodeVisitor)(void* context, int32_t
  * change nothing: starting a started node, a child of a node that is not
  * open, ending a node that is not started or a non-leaf twice, a section type
  * other than 0, 2, 3 (startAndEndLeafNode: other than 2), and a section no
- * writer makes: a flag word with bits outside the flags above, a leaf bit
- * without exactly one leaf kind bit (or a kind bit without it), both array
- * kinds, compound together with leaf or array bits, an item count below 0 or
- * an id below -1.
+ * writer makes: a flag word with bits outside the flags above, more than one
+ * leaf kind bit, a kind bit without the leaf bit, a leaf bit without a kind
+ * where no value is taken (a section that gives its value may leave the kind
+ * to it, as setLeafPropertyValue does), both array kinds, an item count below
+ * 0 or an id below -1, compound together with an array bit or with a leaf
+ * bit other than a reference leaf's (decomposition marks an object compound
+ * before it finds the object met already).
  */
 VEXPERS_API kstd_result kstd_persistentPropertyNode_startNode(kstd_persistentPropertyNode* node,
                                                               const kstd_persistentPropertyNodeSection* section);

@@ -11,14 +11,17 @@ namespace {
 bool isEmptyName(const char16_t* name) { return name == nullptr || name[0] == 0; }
 
 // Whether a section's flag word is one that writers make: only defined bits;
-// a leaf bit with exactly one kind bit, kind bits only with it; at most one
+// at most one leaf kind bit, and only with the leaf bit; a leaf bit with a
+// kind bit unless the node takes its value from the section (which adds the
+// kind, as a section made with setLeafPropertyValue expects); at most one
 // array kind; compound never with an array bit, and with a leaf bit only for
 // a reference leaf (decomposition marks an object compound before it finds
 // that the object was met already, and flags are only ever added).
-bool isWellFormed(uint32_t flags) {
+bool isWellFormed(uint32_t flags, bool takesValue) {
     if ((flags & ~flag::known) != 0) return false;
     const int kinds = std::popcount(flags & flag::leafKindBits);
-    if ((flags & flag::leaf) != 0 ? kinds != 1 : kinds != 0) return false;
+    if (kinds > 1 || (kinds == 1 && (flags & flag::leaf) == 0)) return false;
+    if ((flags & flag::leaf) != 0 && kinds == 0 && !takesValue) return false;
     if (allSet(flags, flag::arrayCore | flag::arrayOther)) return false;
     if ((flags & flag::compound) != 0) {
         if ((flags & (flag::arrayCore | flag::arrayOther)) != 0) return false;
@@ -33,15 +36,17 @@ kstd_result startFromSection(Node* node, const Section* section) {
     if (type != kstd_persistentPropertyNodeSectionType_start && type != kstd_persistentPropertyNodeSectionType_leaf &&
         type != kstd_persistentPropertyNodeSectionType_startWithValue)
         return ksys_result_failure;
-    if (!isWellFormed(section->flags) || section->objectId < -1 || section->numItems < 0) return ksys_result_failure;
+    const bool takesValue =
+        type != kstd_persistentPropertyNodeSectionType_start && !allSet(section->flags, flag::reference);
+    if (!isWellFormed(section->flags, takesValue) || section->objectId < -1 || section->numItems < 0)
+        return ksys_result_failure;
     VEXPERS_TRY(kstd_persistentPropertyInfo_assign(&node->info, &section->info));
     // The started and ended bits of a section describe the node it was
     // written from; this node's state comes from the protocol alone.
     node->flags = section->flags & ~(flag::started | flag::ended);
     node->objectId = section->objectId;
     node->numItems = section->numItems;
-    if (type != kstd_persistentPropertyNodeSectionType_start && !allSet(section->flags, flag::reference))
-        VEXPERS_TRY(setValue(node, &section->property));
+    if (takesValue) VEXPERS_TRY(setValue(node, &section->property));
     node->flags |= flag::hasInfo | flag::started;
     if (type == kstd_persistentPropertyNodeSectionType_leaf) node->flags |= flag::ended;
     return 0;

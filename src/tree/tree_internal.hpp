@@ -1,11 +1,12 @@
 // What the node, section, tree and decomposition code share: the flag word's
 // masks, node allocation and linking, setting a node's value from a property,
-// freeing subtrees without recursion, and a growable work stack.
+// freeing subtrees without recursion.
 #pragma once
 
 #include <cstdint>
 
 #include "frame/frame.hpp"
+#include "tree/work_stack.hpp"
 #include "vexpers/tree.h"
 
 namespace vexpers::tree {
@@ -91,7 +92,7 @@ kstd_result freeChildren(Node* node);
 // (not an array) whose type calls it shareable; in either case the value
 // must yield a whole-object pointer (*whole, optional: the whole shared object
 // the variant keeps alive, else the object itself; null when not shareable).
-// Decomposition and the processor decide alike. Failing type queries are
+// The processor's bag walk decides the same way. Failing type queries are
 // returned.
 kstd_result isShareableValue(const kstd_persistentVariant* value, bool* shareable, const void** whole);
 
@@ -100,38 +101,5 @@ kstd_result isShareableValue(const kstd_persistentVariant* value, bool* shareabl
 // every bag not lent out, so that a tree keeps objects alive only through its
 // nodes and its registry. The first failure is returned after all.
 kstd_result releaseBagValues(kstd_persistentPropertyBagSet* set);
-
-// A stack of trivially copyable items in memory of the memory service.
-template <class T>
-class WorkStack {
-public:
-    WorkStack() = default;
-    WorkStack(const WorkStack&) = delete;
-    WorkStack& operator=(const WorkStack&) = delete;
-    ~WorkStack() {
-        void* memory = items_;
-        ksys_memory_free_internal(&memory);
-    }
-
-    kstd_result push(const T& item) {
-        if (size_ == capacity_) {
-            const int64_t capacity = capacity_ < 64 ? 64 : capacity_ * 2;
-            void* memory = items_;
-            VEXPERS_TRY(ksys_memory_realloc64_internal(capacity * int64_t(sizeof(T)), &memory));
-            items_ = static_cast<T*>(memory);
-            capacity_ = capacity;
-        }
-        items_[size_++] = item;
-        return 0;
-    }
-    bool empty() const { return size_ == 0; }
-    T& top() { return items_[size_ - 1]; }
-    void pop() { --size_; }
-
-private:
-    T* items_ = nullptr;
-    int64_t size_ = 0;
-    int64_t capacity_ = 0;
-};
 
 }  // namespace vexpers::tree

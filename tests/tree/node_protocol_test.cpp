@@ -107,13 +107,17 @@ TEST_F(NodeProtocolTest, SectionsNoWriterMakesGiveCodesNotFaults) {
     }
     intLeafSection(section, kstd_persistentPropertyNodeSectionType_start, u"x", 1);
     EXPECT_EQ(kstd_persistentPropertyNode_startAndEndLeafNode(node, &section), ksys_result_failure);
-    // Flag words: unknown bits, a leaf without a kind, two kinds, two array
-    // kinds, a compound leaf; a count or id below their ranges.
-    for (uint32_t flags : {0x18u | 0x800u, 0x8u, 0x38u, 0x3u, 0x1Cu, 0x10u}) {
+    // Flag words: unknown bits, two kinds, a kind without the leaf bit, two
+    // array kinds, a leaf without a kind in a section that gives no value; a
+    // count or id below their ranges.
+    for (uint32_t flags : {0x18u | 0x800u, 0x38u, 0x10u, 0x3u}) {
         intLeafSection(section, kstd_persistentPropertyNodeSectionType_leaf, u"x", 1);
         section->flags = flags;
         EXPECT_EQ(kstd_persistentPropertyNode_startNode(node, &section), ksys_result_failure) << std::hex << flags;
     }
+    intLeafSection(section, kstd_persistentPropertyNodeSectionType_start, u"x", 1);
+    section->flags = 0x8;
+    EXPECT_EQ(kstd_persistentPropertyNode_startNode(node, &section), ksys_result_failure);
     intLeafSection(section, kstd_persistentPropertyNodeSectionType_leaf, u"x", 1);
     section->numItems = -1;
     EXPECT_EQ(kstd_persistentPropertyNode_startNode(node, &section), ksys_result_failure);
@@ -212,6 +216,15 @@ TEST_F(NodeProtocolTest, ReferenceLeafSectionsKeepTheirId) {
     int32_t value = 0;
     EXPECT_EQ(kstd_persistentProperty_getValue_k_Int32(property, &value), 0);
     EXPECT_EQ(value, 5);
+
+    // A leaf built with setLeafPropertyValue has no kind yet: the value gives it.
+    Variant four;
+    ASSERT_EQ(kstd_persistentVariant_setValue_k_Int32(&four, 4), 0);
+    section->flags = 0;
+    ASSERT_EQ(kstd_persistentPropertyNodeSection_setLeafPropertyValue(&section, &four), 0);
+    EXPECT_EQ(section->flags, 0x40008u);
+    ASSERT_EQ(kstd_persistentPropertyNode_addChildLeafNode(top, &section), 0);
+    EXPECT_EQ(top->lastChild->flags, 0x170018u);
 }
 
 TEST_F(NodeProtocolTest, SectionsRoundTripTheWholeFlagWord) {

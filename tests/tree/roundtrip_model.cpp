@@ -282,8 +282,25 @@ kstd_result linkConstruct(void* object) {
     ++live;
     return 0;
 }
+// Releases the chain behind a link without recursion: each following link
+// that only this chain holds gives up its own next before it is dropped, so a
+// chain of any length is freed on a flat stack.
 kstd_result linkDestruct(void* object) {
+    kstd_ptrh rest;
+    kstd_ptrh_constructEmpty(&rest);
+    kstd_ptrh_assign(&rest, &static_cast<Link*>(object)->next);
     kstd_ptrh_destruct(&static_cast<Link*>(object)->next);
+    int32_t holders = 0;
+    while (rest.shared != nullptr && kstd_shared_getReferenceCount(rest.shared, &holders) == 0 && holders == 1) {
+        Link* next = static_cast<Link*>(rest.shared->whole);
+        kstd_ptrh following;
+        kstd_ptrh_constructEmpty(&following);
+        kstd_ptrh_assign(&following, &next->next);
+        kstd_ptrh_reset(&next->next);
+        kstd_ptrh_assign(&rest, &following);
+        kstd_ptrh_destruct(&following);
+    }
+    kstd_ptrh_destruct(&rest);
     --live;
     return 0;
 }
