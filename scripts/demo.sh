@@ -1,8 +1,13 @@
 #!/usr/bin/env bash
-# Builds vexpers and runs its main job.
+# Builds everything (the library, the storage formats and the vexpers tool)
+# and runs `vexpers demo` on its embedded sample scene.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-command -v cmake >/dev/null && command -v ninja >/dev/null || { apt-get update && apt-get install -y cmake ninja-build; }
+need=()
+command -v cmake >/dev/null || need+=(cmake)
+command -v ninja >/dev/null || need+=(ninja-build)
+[ -f /usr/include/rapidjson/reader.h ] || need+=(rapidjson-dev)
+if [ ${#need[@]} -gt 0 ]; then apt-get update && apt-get install -y "${need[@]}"; fi
 cmake --preset default -DVEXPERS_BUILD_TESTS=OFF
 cmake --build --preset default -j "$(nproc)"
-./build/default/examples/vexpers-example
+./build/default/tools/vexpers demo

@@ -1,0 +1,185 @@
+// Writing a tree: the processor walks it and calls the visitor below for
+// every node; the visitor turns the node into a section and hands it to the
+// format's encoder. The processor expands arrays of other items of a
+// decomposed tree item by item; nothing here recurses.
+#include "writer.hpp"
+
+namespace vexpers::formats {
+namespace {
+
+struct Walk {
+    Encoder* encoder = nullptr;
+    Output* output = nullptr;
+    Section section;
+    CoreTypes cores;
+    StringConst holder;
+    ArrayCursor cursor;
+    kfmt_statistics statistics{};
+    const kfmt_options* options = nullptr;
+    // The node of the last start event, while nothing else has followed it:
+    // an array that the processor finds empty while expanding it reports
+    // itself again as a leaf, which is no node of its own.
+    const kstd_persistentPropertyNode* justStarted = nullptr;
+    int64_t openNodes = 0;
+    // Where the walk failed, and what failed, for the report.
+    int64_t failedAt = -1;
+    const char* failedStep = nullptr;
+};
+
+kstd_result textOf(const kstd_persistentPropertyInfo* info, Text* name, Text* typeName) {
+    const char16_t* chars = nullptr;
+    KFMT_TRY(kstd_persistentPropertyInfo_getName(info, &chars));
+    name->chars = chars;
+    name->length = chars != nullptr ? static_cast<int32_t>(ksys_wcslen(chars)) : 0;
+    KFMT_TRY(kstd_persistentPropertyInfo_getTypeName(info, &chars));
+    typeName->chars = chars;
+    typeName->length = chars != nullptr ? static_cast<int32_t>(ksys_wcslen(chars)) : 0;
+    return 0;
+}
+
+// Takes the section apart into `view`.
+kstd_result describe(Walk& walk, const kstd_persistentPropertyNode* node, uint32_t sectionType, NodeView& view) {
+    kstd_persistentPropertyNodeSection* section = walk.section.get();
+    KFMT_TRY(kstd_persistentPropertyNodeSection_assignNode(section, node, sectionType));
+    view = NodeView{};
+    view.sectionType = sectionType;
+    view.kinds = kindsOf(section->flags);
+    view.id = section->objectId;
+    view.numItems = section->numItems;
+    KFMT_TRY(textOf(&section->info, &view.name, &view.typeName));
+    KFMT_TRY(kstd_persistentPropertyInfo_getTypeDerivation(&section->info, &view.derivation));
+    KFMT_TRY(kstd_persistentPropertyInfo_getDataAccess(&section->info, &view.dataAccess));
+    if (view.kinds.hasId && view.id < 0) return kstd_persistentResult_objectIdNotFound;
+    if (view.kinds.leafKind == 1) {
+        const kstd_persistentVariant* value = &section->property.value;
+        KFMT_TRY(kstd_persistentType_getCoreTypeId(&value->type, &view.valueCoreId));
+        CoreFacts facts;
+        if (walk.cores.facts(view.valueCoreId, &facts) < 0) return kfmt_result_notStorable;
+        KFMT_TRY(scalarOfVariant(value, facts.category, walk.holder, &view.scalar));
+        view.valueTypeDiffers = !sameType(&section->info.type, &value->type);
+    } else if (view.kinds.leafKind == 0 && view.kinds.arrayKind == 1) {
+        KFMT_TRY(walk.cursor.open(node, walk.cores));
+        view.items = &walk.cursor;
+        view.numItems = walk.cursor.count();
+        view.itemTypeDiffers = !sameType(&section->info.type, &section->property.value.type);
+    }
+    return 0;
+}
+
+void count(Walk& walk, const NodeView& view, int32_t depth) {
+    kfmt_statistics& s = walk.statistics;
+    ++s.nodes;
+    if (view.kinds.leafKind == 4) ++s.references;
+    else if (view.kinds.hasId) ++s.objects;
+    if (depth + 1 > s.maxDepth) s.maxDepth = depth + 1;
+    const kfmt_options* o = walk.options;
+    if (o != nullptr && o->progress != nullptr && o->progressInterval > 0 && s.nodes % o->progressInterval == 0)
+        o->progress(o->progressContext, s.nodes, walk.output->offset());
+}
+
+kstd_result visitStep(Walk& walk, int32_t event, int32_t depth, const kstd_persistentPropertyNode* node) {
+    NodeView view;
+    switch (event) {
+    case kstd_persistentPropertyProcessorEvent_nodeBegin:
+        walk.failedStep = "describing a node";
+        KFMT_TRY(describe(walk, node, kstd_persistentPropertyNodeSectionType_start, view));
+        walk.failedStep = "encoding a start section";
+        KFMT_TRY(walk.encoder->node(view));
+        ++walk.openNodes;
+        count(walk, view, depth);
+        walk.justStarted = node;
+        return 0;
+    case kstd_persistentPropertyProcessorEvent_leaf:
+    case kstd_persistentPropertyProcessorEvent_coreArray:
+        if (node == walk.justStarted && event == kstd_persistentPropertyProcessorEvent_leaf) {
+            walk.justStarted = nullptr;
+            return 0;
+        }
+        walk.justStarted = nullptr;
+        walk.failedStep = "describing a node";
+        KFMT_TRY(describe(walk, node, kstd_persistentPropertyNodeSectionType_leaf, view));
+        walk.failedStep = "encoding a leaf section";
+        KFMT_TRY(walk.encoder->node(view));
+        count(walk, view, depth);
+        return 0;
+    case kstd_persistentPropertyProcessorEvent_nodeEnd:
+        walk.justStarted = nullptr;
+        walk.failedStep = "encoding an end section";
+        --walk.openNodes;
+        return walk.encoder->end();
+    default:
+        walk.failedStep = "walking the tree";
+        return kstd_persistentResult_notSupported;
+    }
+}
+
+kstd_result visit(void* context, int32_t event, int32_t depth, const kstd_persistentPropertyNode* node) {
+    Walk& walk = *static_cast<Walk*>(context);
+    kstd_result result = visitStep(walk, event, depth, node);
+    // A sink failure shows in the output first.
+    if (result >= 0 && walk.output->failure() < 0) result = walk.output->failure();
+    if (result < 0) walk.failedAt = walk.output->offset();
+    return result;
+}
+
+}  // namespace
+
+kstd_result makeEncoder(uint32_t format, Output& output, Encoder** encoder) {
+    if (format == kfmt_format_json) return makeJsonEncoder(output, encoder);
+    if (format == kfmt_format_binary) return makeBinaryEncoder(output, encoder);
+    *encoder = nullptr;
+    return kfmt_result_malformed;
+}
+
+}  // namespace vexpers::formats
+
+using namespace vexpers::formats;
+
+extern "C" KFMT_API kstd_result kfmt_writeTree(kstd_persistentPropertyTree* tree, uint32_t format,
+                                               const kfmt_sink* sink, const kfmt_options* options,
+                                               kfmt_statistics* statistics, kfmt_report* report) {
+    KFMT_REQUIRE(tree != nullptr);
+    KFMT_REQUIRE(sink != nullptr && sink->write != nullptr);
+    succeed(report);
+    if (statistics != nullptr) *statistics = kfmt_statistics{};
+    if (format != kfmt_format_json && format != kfmt_format_binary)
+        return fail(report, kfmt_result_malformed, -1, "unknown format %u", format);
+
+    Output* output = nullptr;
+    Walk* walk = nullptr;
+    Encoder* encoder = nullptr;
+    Defer release([&] {
+        deleteEncoder(encoder);
+        destroyObject(walk);
+        destroyObject(output);
+    });
+    kstd_result result = createObject(&output, sink);
+    if (result >= 0) result = output->init();
+    if (result >= 0) result = createObject(&walk);
+    if (result >= 0) result = walk->section.status();
+    if (result >= 0) result = makeEncoder(format, *output, &encoder);
+    if (result < 0) return fail(report, result, -1, "cannot set up the writer");
+    walk->encoder = encoder;
+    walk->output = output;
+    walk->options = options;
+
+    result = encoder->begin();
+    if (result >= 0) {
+        Processor processor;
+        result = processor.status();
+        if (result >= 0) result = kstd_persistentPropertyProcessor_processPropertyTree(processor.get(), tree, visit, walk);
+        if (result < 0) {
+            const int64_t at = walk->failedAt >= 0 ? walk->failedAt : output->offset();
+            return fail(report, result, at, "writing stopped while %s",
+                        walk->failedStep != nullptr ? walk->failedStep : "walking the tree");
+        }
+    }
+    if (result >= 0) result = encoder->finish(walk->statistics.nodes);
+    if (result >= 0) result = output->flush();
+    if (result < 0) return fail(report, result, output->offset(), "cannot write the stream");
+    walk->statistics.bytes = output->offset();
+    if (options != nullptr && options->progress != nullptr)
+        options->progress(options->progressContext, walk->statistics.nodes, walk->statistics.bytes);
+    if (statistics != nullptr) *statistics = walk->statistics;
+    return 0;
+}
