@@ -131,6 +131,38 @@ VEXPERS_API kstd_result ksys_assert_getCount(int64_t* count);
  * and its release function belong together.
  */
 
+/*
+ * The life-cycle family. Records with a life cycle (strings, types, property
+ * descriptors, properties, bags, trees, vectors, ...) share these functions;
+ * their headers add only what differs for them.
+ *   R_construct(r)            makes the record's empty state; a failure leaves
+ *                             nothing to release.
+ *   R_constructCopy(r, src)   R_construct, then R_assign; when the assign
+ *                             fails the record is destructed again and the
+ *                             assign's code returned (nothing to release).
+ *   R_assign(r, src)          makes r equal to src by content (records that
+ *                             share parts, such as strings and types, share
+ *                             them); r == src does nothing. A failed
+ *                             assign leaves r valid (to destruct, reset or
+ *                             assign again), not necessarily as it was; the
+ *                             record's header says more where it matters.
+ *   R_reset(r)                back to the state R_construct gives.
+ *   R_destruct(r)             releases what the record holds and returns the
+ *                             first failure.
+ *   R_new(&p)                 deletes what p holds (a failing delete is
+ *                             returned with p unchanged), then allocates and
+ *                             constructs; p is null on failure.
+ *   R_newClone(&p, src)       a null src only deletes (p becomes null);
+ *                             otherwise R_new, then R_assign (deleted again,
+ *                             p null, when the assign fails).
+ *   R_delete(&p)              a null p does nothing; otherwise destructs and
+ *                             frees and sets p to null (a failing destruct is
+ *                             returned with the memory and p kept).
+ * Codes: ksys_result_outOfMemory when memory runs out, the codes of the
+ * record's own construct, assign and destruct, and
+ * ksys_result_preconditionFailed for a null record or out-pointer.
+ */
+
 VEXPERS_EXTERN_C_END
 
 #endif /* VEXPERS_BASE_H */

@@ -73,12 +73,9 @@ typedef struct kstd_persistentPropertyBagSetNewBagGetter {
  * descriptor, then the value (the variant shares its parts; assigning a
  * property to itself does nothing); _reset returns to the constructed state;
  * _destruct destroys the descriptor, then the value, stopping at the first
- * failure. _constructCopy is construct then assign (destructed again when
- * assign fails). Heap forms: _new deletes what *out holds, then allocates and
- * constructs (*out null on failure); _newClone with a null source only
- * deletes, else new and assign (deleted again on failure); _delete destructs
- * and frees *out (null: nothing) and nulls it. A null property or out-pointer
- * is a precondition fault, in this and every function below.
+ * failure. _constructCopy and the heap forms are those of the life-cycle
+ * family (vexpers/base.h). A null property or out-pointer is a precondition
+ * fault, in this and every function below.
  */
 VEXPERS_API kstd_result kstd_persistentProperty_construct(kstd_persistentProperty* property);
 VEXPERS_API kstd_result kstd_persistentProperty_constructCopy(kstd_persistentProperty* property,

@@ -58,12 +58,8 @@ typedef struct kstd_persistentPropertyInfoTable {
  * Life cycle. _construct gives data access 2, global index -1, the null name
  * and an empty type. _assign copies data access, global index, name and type
  * (assigning a record to itself does nothing); _reset returns to the
- * constructed state. _constructCopy is construct then assign (destructed again
- * when the assign fails). Heap forms: _new deletes what *out holds, then
- * allocates and constructs (*out null on failure); _newClone with a null
- * source only deletes, else new and assign (deleted again on failure);
- * _delete destructs and frees *out (null: nothing) and nulls it.
- * A null record or out-pointer is a precondition fault.
+ * constructed state. _constructCopy and the heap forms are those of the
+ * life-cycle family (vexpers/base.h).
  */
 VEXPERS_API kstd_result kstd_persistentPropertyInfo_construct(kstd_persistentPropertyInfo* info);
 VEXPERS_API kstd_result kstd_persistentPropertyInfo_constructCopy(kstd_persistentPropertyInfo* info,

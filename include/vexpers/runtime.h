@@ -100,7 +100,9 @@ VEXPERS_API kstd_result ksys_criticalSection_destruct(ksys_criticalSection* sect
 /** Takes the section (again, when this thread already holds it; every take
  *  needs its release) and sets *isHeld to 1 (isHeld may be null). */
 VEXPERS_API kstd_result ksys_criticalSection_wait(ksys_criticalSection* section, uint32_t* isHeld);
-/** Gives back one hold of the section. */
+/** Gives back one hold of the section (the calling thread must hold it).
+ *  wait and release on a null section or one without an implementation
+ *  (construct failed) are precondition faults. */
 VEXPERS_API kstd_result ksys_criticalSection_release(ksys_criticalSection* section);
 
 VEXPERS_API void ksys_typeCheck_ksys_criticalSection(ksys_criticalSection* object);

@@ -44,6 +44,10 @@ struct kstd_shared {
     int32_t reserved;
 };
 
+/* Shared objects. Getters set their output to null or 0 first; a null
+ * output, a null header where one is required, or a table without its
+ * required slot is a precondition fault. The codes of the object's own
+ * operations (destroy, interface query, type name) are returned unchanged. */
 /** Initialises the header: `whole` is the start of the whole object, count 0.
  *  `custom` and its destroy slot are required; a null increment or decrement
  *  slot means the default one. */
@@ -100,13 +104,25 @@ typedef struct kstd_ptrhConst {
     const char16_t* baseTypename;
 } kstd_ptrhConst;
 
+/*
+ * The shared-pointer family. Making a pointer hold an object takes the new
+ * reference (the object's increment) before it drops the old one (its
+ * decrement), so holding what is already held, or a part of it, is safe.
+ * Codes: a failing increment is returned with the pointer unchanged (the
+ * construct forms then leave it empty); dropping the last reference runs the
+ * old object's destroy, whose failure is returned although the pointer holds
+ * the new object. A null pointer record or output is a precondition fault;
+ * getters set their output to null first. Nothing here allocates.
+ */
 /** Constructs holding `shared` (may be null), adding a reference. */
 VEXPERS_API kstd_result kstd_ptrh_construct(kstd_ptrh* pointer, kstd_shared* shared);
 /** Constructs holding `shared` (may be null) with a base type name (static
  *  text, may be null). On failure the pointer is constructed empty. */
 VEXPERS_API kstd_result kstd_ptrh_constructBaseTypename(kstd_ptrh* pointer, kstd_shared* shared,
                                                         const char16_t* baseTypename);
+/** An empty pointer without a base type name. */
 VEXPERS_API kstd_result kstd_ptrh_constructEmpty(kstd_ptrh* pointer);
+/** Shares the source's object and takes its base type name. */
 VEXPERS_API kstd_result kstd_ptrh_constructCopy(kstd_ptrh* pointer, const kstd_ptrh* source);
 /** Shares the source's object; the base type name is kept unless empty. */
 VEXPERS_API kstd_result kstd_ptrh_assign(kstd_ptrh* pointer, const kstd_ptrh* source);
@@ -120,6 +136,7 @@ VEXPERS_API kstd_result kstd_ptrh_getShared(const kstd_ptrh* pointer, kstd_share
 VEXPERS_API kstd_result kstd_ptrh_getTypename(const kstd_ptrh* pointer, const char16_t** name);
 /** Drops the reference; the base type name is kept. */
 VEXPERS_API kstd_result kstd_ptrh_reset(kstd_ptrh* pointer);
+/** Drops the reference and forgets the base type name. */
 VEXPERS_API kstd_result kstd_ptrh_destruct(kstd_ptrh* pointer);
 
 /* The kstd_ptrhConst functions behave as the kstd_ptrh functions of the same

@@ -38,8 +38,8 @@ struct kstd_stringConst {
  * _constructEmptyString the empty string; _constructCopy and _assign share the
  * source's holder (assigning a record to itself does nothing); _reset and
  * _resetNullString drop the holder and give the null string, _resetEmptyString
- * the empty string; _destruct drops the holder. Heap forms: _new (null string),
- * _newClone (a null source deletes), _delete (null pointer: nothing).
+ * the empty string; _destruct drops the holder. _new gives the null string;
+ * the other heap forms are those of the life-cycle family (vexpers/base.h).
  * A failed _assign leaves the record as the null string.
  */
 VEXPERS_API kstd_result kstd_stringConst_construct(kstd_stringConst* string);

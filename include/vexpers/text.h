@@ -35,6 +35,8 @@ typedef struct kstd_string {
     int32_t capacity;
 } kstd_string;
 
+/* _constructEmpty gives the empty string (nothing allocated); _destruct frees
+ * the characters. */
 VEXPERS_API kstd_result kstd_string_constructEmpty(kstd_string* string);
 VEXPERS_API kstd_result kstd_string_destruct(kstd_string* string);
 /** Copies `text` (null or empty gives an empty string with null chars). */
@@ -56,19 +58,21 @@ typedef struct kstd_unicodeString {
 
 typedef struct kstd_unicodeStringConst kstd_unicodeStringConst;
 
-/** Constructs the null string. */
+/* The life-cycle family (vexpers/base.h): _construct gives the null string,
+ * _reset returns to it and frees the characters; _assign and _constructCopy
+ * copy the source's state and characters into storage of their own. The
+ * _assign forms from other texts convert as described at the top of this
+ * header; _assignUnicodeStringConst copies that string's characters. */
 VEXPERS_API kstd_result kstd_unicodeString_construct(kstd_unicodeString* string);
 VEXPERS_API kstd_result kstd_unicodeString_constructCopy(kstd_unicodeString* string, const kstd_unicodeString* source);
 VEXPERS_API kstd_result kstd_unicodeString_assign(kstd_unicodeString* string, const kstd_unicodeString* source);
 VEXPERS_API kstd_result kstd_unicodeString_destruct(kstd_unicodeString* string);
-/** Back to the null string, freeing the characters. */
 VEXPERS_API kstd_result kstd_unicodeString_reset(kstd_unicodeString* string);
 VEXPERS_API kstd_result kstd_unicodeString_new(kstd_unicodeString** out);
 VEXPERS_API kstd_result kstd_unicodeString_newClone(kstd_unicodeString** out, const kstd_unicodeString* source);
 VEXPERS_API kstd_result kstd_unicodeString_delete(kstd_unicodeString** out);
 VEXPERS_API kstd_result kstd_unicodeString_assignUnicodeStringConst(kstd_unicodeString* string,
                                                                     const kstd_unicodeStringConst* source);
-/** UTF-8 text. */
 VEXPERS_API kstd_result kstd_unicodeString_assignStringA(kstd_unicodeString* string, const char* text);
 VEXPERS_API kstd_result kstd_unicodeString_assignStringW(kstd_unicodeString* string, const char16_t* text);
 VEXPERS_API kstd_result kstd_unicodeString_assignString32(kstd_unicodeString* string, const char32_t* text);
@@ -95,17 +99,20 @@ struct kstd_unicodeStringConst {
     int32_t reserved;
 };
 
-/** Constructs the null string. */
+/* _construct gives the null string; _constructCopy and _assign share the
+ * source's holder; _reset drops the holder and gives the null string. The
+ * _assign forms from texts make a new holder (StringA: UTF-8, String32:
+ * UTF-32, W and 16: UTF-16) and convert as described at the top of this
+ * header; _assignUnicodeString copies that string's characters. The getClone
+ * forms give a new copy in the form of their suffix (A: UTF-8, W, T and 16:
+ * UTF-16, 32: UTF-32, surrogate pairs joined); *clone is null first. */
 VEXPERS_API kstd_result kstd_unicodeStringConst_construct(kstd_unicodeStringConst* string);
 VEXPERS_API kstd_result kstd_unicodeStringConst_constructCopy(kstd_unicodeStringConst* string,
                                                               const kstd_unicodeStringConst* source);
 VEXPERS_API kstd_result kstd_unicodeStringConst_destruct(kstd_unicodeStringConst* string);
-/** Back to the null string, dropping the holder. */
 VEXPERS_API kstd_result kstd_unicodeStringConst_reset(kstd_unicodeStringConst* string);
-/** Shares the source's holder. */
 VEXPERS_API kstd_result kstd_unicodeStringConst_assign(kstd_unicodeStringConst* string,
                                                        const kstd_unicodeStringConst* source);
-/** UTF-8 text. */
 VEXPERS_API kstd_result kstd_unicodeStringConst_assignStringA(kstd_unicodeStringConst* string, const char* text);
 VEXPERS_API kstd_result kstd_unicodeStringConst_assignStringW(kstd_unicodeStringConst* string, const char16_t* text);
 VEXPERS_API kstd_result kstd_unicodeStringConst_assignString16(kstd_unicodeStringConst* string, const char16_t* text);
@@ -116,12 +123,10 @@ VEXPERS_API kstd_result kstd_unicodeStringConst_assignUnicodeString(kstd_unicode
  *  and its length in units (optional). Never makes a temporary copy. */
 VEXPERS_API kstd_result kstd_unicodeStringConst_getStringW(const kstd_unicodeStringConst* string,
                                                            const char16_t** text, int32_t* length);
-/** A new UTF-8 copy. */
 VEXPERS_API kstd_result kstd_unicodeStringConst_getCloneStringA(const kstd_unicodeStringConst* string, char** clone);
 VEXPERS_API kstd_result kstd_unicodeStringConst_getCloneStringW(const kstd_unicodeStringConst* string, char16_t** clone);
 VEXPERS_API kstd_result kstd_unicodeStringConst_getCloneStringT(const kstd_unicodeStringConst* string, char16_t** clone);
 VEXPERS_API kstd_result kstd_unicodeStringConst_getCloneString16(const kstd_unicodeStringConst* string, char16_t** clone);
-/** A new UTF-32 copy (surrogate pairs joined). */
 VEXPERS_API kstd_result kstd_unicodeStringConst_getCloneString32(const kstd_unicodeStringConst* string, char32_t** clone);
 
 /* ---- Platform string functions over UTF-16 ---------------------------------------- */

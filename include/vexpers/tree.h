@@ -178,6 +178,8 @@ typedef kstd_result (*kstd_persistentPropertyNodeVisitor)(void* context, int32_t
  * 0 or an id below -1, compound together with an array bit or with a leaf
  * bit other than a reference leaf's (decomposition marks an object compound
  * before it finds the object met already).
+ * setIsStarted sets the started flag only (a node built by hand); getIsStarted
+ * and getIsEnded read the flags (0 first). These three always succeed.
  */
 VEXPERS_API kstd_result kstd_persistentPropertyNode_startNode(kstd_persistentPropertyNode* node,
                                                               const kstd_persistentPropertyNodeSection* section);
@@ -202,6 +204,10 @@ VEXPERS_API kstd_result kstd_persistentPropertyNode_resetLeafProperty(kstd_persi
                                                                       const kstd_persistentProperty* property);
 
 /* ---- Node: navigation and lookups ------------------------------------------------------ */
+
+/* getFirstChild, getNextSibling and getOwner (and the Const forms) give the
+ * linked node or the owner tree, null when there is none; the output is null
+ * first and they always succeed. */
 
 VEXPERS_API kstd_result kstd_persistentPropertyNode_getFirstChild(kstd_persistentPropertyNode* node,
                                                                   kstd_persistentPropertyNode** child);
@@ -238,8 +244,10 @@ VEXPERS_API kstd_result kstd_persistentPropertyNode_getMatchingChildConst(const 
  * getIsLeaf decodes the leaf kind (leafKind optional): the first of the masks
  * 0x18, 0x28, 0x48, 0x88 whose bits are all set; a leaf flag without any of
  * them fails with ksys_result_failure (outputs 0). getIsTerminal is 1 for a
- * leaf or an array of core items. getObjectId gives the has-id flag, the id
- * and whether the node is a reference leaf. getEnumAsInt64 /
+ * leaf or an array of core items; getIsArrayItem and getIsDeleted read their
+ * flags; getDataAccess reads the descriptor's (these three always succeed).
+ * getObjectId gives the has-id flag, the id and whether the node is a
+ * reference leaf. getEnumAsInt64 /
  * getEnumBitfieldAsUInt64 read the leaf value of the child `name` (or of the
  * node itself when it has no such child) as a 64-bit integer.
  * getCoreTypeOrEnumVariant finds the variant holding the node's core or enum
@@ -309,8 +317,9 @@ VEXPERS_API kstd_result kstd_persistentPropertyNode_freeNodeAndChildren(kstd_per
 
 /* ---- Node section ----------------------------------------------------------------------- */
 
-/* Life cycle: construct and reset give section type 0xFFFFFFFF, flags 0,
- * objectId -1, numItems 0, an empty descriptor and property. */
+/* Life cycle (the family of vexpers/base.h): construct and reset give section
+ * type 0xFFFFFFFF, flags 0, objectId -1, numItems 0, a default descriptor and
+ * property; assign copies every field. */
 VEXPERS_API kstd_result kstd_persistentPropertyNodeSection_construct(kstd_persistentPropertyNodeSection* section);
 VEXPERS_API kstd_result kstd_persistentPropertyNodeSection_constructCopy(
     kstd_persistentPropertyNodeSection* section, const kstd_persistentPropertyNodeSection* source);
@@ -370,9 +379,15 @@ VEXPERS_API kstd_result kstd_persistentPropertyNodeSection_setPropertyArrayEmpty
 VEXPERS_API kstd_result kstd_persistentPropertyNodeSection_setPropertyArrayAndAlloc(
     kstd_persistentPropertyNodeSection* section, int32_t count, void** first, uint32_t* elementSize);
 
-/* Reading a section: each getter reads one field or a part of it. The type
- * names of getObjectTypeName_ / getObjectRunTimeTypeName_ are those of the
- * declared type and of the value actually held. getIsLeaf and
+/* Reading a section: each getter reads one field or a part of it, with its
+ * outputs cleared first. The flag, id and count getters always succeed. The
+ * name, type-name and core-type-id getters answer as the descriptor's or
+ * type's function of that name, with its failures (0x80004100 for an empty
+ * type, 0x800040C8 for the core type id of an unregistered one); the names of
+ * getObjectTypeName_ / getObjectRunTimeTypeName_ are those of the declared
+ * type and of the value actually held, getObjectCoreTypeId_ that of the value.
+ * getNodeSectionPropertyInfo_ and getObjectVariant_ assign the descriptor and
+ * the value to the caller's constructed records. getIsLeaf and
  * getPropertyAndObjectInfo_ decode the leaf kind as the node's getIsLeaf does
  * (ksys_result_failure for a leaf bit without a kind); the kinds' outputs are
  * optional in getIsLeaf and getIsArray. */
@@ -436,6 +451,7 @@ VEXPERS_API void ksys_typeCheckFunc_kstd_persistentPropertyTree(kstd_result (*fu
 VEXPERS_API void ksys_typeCheckFuncPtr_kstd_persistentPropertyTree(
     kstd_result (*function)(kstd_persistentPropertyTree**));
 
+/** The first top-level node, null when the tree is empty (always succeeds). */
 VEXPERS_API kstd_result kstd_persistentPropertyTree_getFirstChild(kstd_persistentPropertyTree* tree,
                                                                   kstd_persistentPropertyNode** node);
 VEXPERS_API kstd_result kstd_persistentPropertyTree_getFirstChildConst(const kstd_persistentPropertyTree* tree,
@@ -499,7 +515,8 @@ VEXPERS_API kstd_result kstd_persistentPropertyTree_forgetAllObjects(kstd_persis
 
 /* ---- Processor ------------------------------------------------------------------------------ */
 
-/* Life cycle (no copy). reset releases the bags and the shared objects met. */
+/* Life cycle (the family of vexpers/base.h without the copy forms). reset
+ * releases the bags and the shared objects met. */
 VEXPERS_API kstd_result kstd_persistentPropertyProcessor_construct(kstd_persistentPropertyProcessor* processor);
 VEXPERS_API kstd_result kstd_persistentPropertyProcessor_destruct(kstd_persistentPropertyProcessor* processor);
 VEXPERS_API kstd_result kstd_persistentPropertyProcessor_reset(kstd_persistentPropertyProcessor* processor);

@@ -267,8 +267,9 @@ VEXPERS_API void ksys_typeCheckFuncPtr_kstd_persistentType_(kstd_result (*functi
 
 /* ---- The descriptor ----------------------------------------------------------- */
 
-/* Life cycle: _construct makes an empty handle, _assign and _constructCopy
- * share the record, _reset empties the handle. */
+/* Life cycle (the family of vexpers/base.h): _construct makes an empty
+ * handle, _assign and _constructCopy share the record, _reset empties the
+ * handle. */
 VEXPERS_API kstd_result kstd_persistentType_construct(kstd_persistentType* type);
 VEXPERS_API kstd_result kstd_persistentType_constructCopy(kstd_persistentType* type, const kstd_persistentType* source);
 VEXPERS_API kstd_result kstd_persistentType_assign(kstd_persistentType* type, const kstd_persistentType* source);
@@ -435,11 +436,15 @@ VEXPERS_API kstd_result kstd_persistentType_loadPropertyNode(const kstd_persiste
 /* ---- Registry lookups ------------------------------------------------------------ */
 
 /** The type of (name, derivation). Unregistered: 0x800040C8 when mustExist,
- *  else a fresh unregistered record (0x800040C6 for a null or empty name). */
+ *  else a fresh unregistered record (0x800040C6 for a null or empty name).
+ *  `type` is emptied first and stays empty on failure. */
 VEXPERS_API kstd_result kstd_persistentTypeGetType(const char16_t* name, uint32_t derivation, uint32_t mustExist,
                                                    kstd_persistentType* type);
 /** The name of a core type (0x800040C5 outside 0..51, name null). */
 VEXPERS_API kstd_result kstd_persistentTypeGetCoreTypeTypeName(int32_t coreTypeId, const char16_t** name);
+/** The registered type of a core type id and derivation: 0x800040C5 outside
+ *  0..51, else GetType with mustExist (0x800040C8 for the derivations 4 and
+ *  5, which core types do not have); `type` is empty on failure. */
 VEXPERS_API kstd_result kstd_persistentTypeGetTypeUsingCoreTypeIdAndDerivation(int32_t coreTypeId,
                                                                                uint32_t derivation,
                                                                                kstd_persistentType* type);

@@ -86,10 +86,13 @@ VEXPERS_API kstd_result kstd_vector__constructFromBlockWithVtable(kstd_vector__*
 VEXPERS_API kstd_result kstd_vector__constructCopy(kstd_vector__* vector, const kstd_vector__* source);
 /** Replaces the contents by copies of the source's elements. */
 VEXPERS_API kstd_result kstd_vector__assign(kstd_vector__* vector, const kstd_vector__* source);
-/** Replaces the contents by copies of the elements in [first, end). */
+/** Replaces the contents by copies of the elements in [first, end), which
+ *  may lie inside the vector itself. */
 VEXPERS_API kstd_result kstd_vector__assignElements(kstd_vector__* vector, const void* first, const void* end);
+/** Destroys the elements and frees the storage. */
 VEXPERS_API kstd_result kstd_vector__destruct(kstd_vector__* vector);
 
+/** Resizes; new elements are default-constructed (vtable construct, or zeros). */
 VEXPERS_API kstd_result kstd_vector__resize(kstd_vector__* vector, int64_t count);
 /** Resizes; new elements are left as allocated (see constructWithVtableUninit). */
 VEXPERS_API kstd_result kstd_vector__resizeUninit(kstd_vector__* vector, int64_t count);
@@ -102,6 +105,10 @@ VEXPERS_API kstd_result kstd_vector__reserve(kstd_vector__* vector, int64_t coun
 VEXPERS_API kstd_result kstd_vector__getSize(const kstd_vector__* vector, intptr_t* size);
 /** 32-bit element count; ksys_result_invalidSize when it does not fit. */
 VEXPERS_API kstd_result kstd_vector__getSize32(const kstd_vector__* vector, int32_t* size);
+/* Access: capacity, element size, and the first element (null when there is
+ * no storage), one past the last, and the count, in the combinations their
+ * names say (the 32-bit forms fail as getSize32 does). Outputs are cleared
+ * first; apart from the 32-bit counts these always succeed. */
 VEXPERS_API kstd_result kstd_vector__getCapacity(const kstd_vector__* vector, intptr_t* capacity);
 VEXPERS_API kstd_result kstd_vector__getElementSize(const kstd_vector__* vector, int32_t* elementSize);
 VEXPERS_API kstd_result kstd_vector__getBeginEnd(kstd_vector__* vector, void** begin, void** end);
@@ -131,6 +138,7 @@ VEXPERS_API kstd_result kstd_vector__insertElement(kstd_vector__* vector, void* 
 VEXPERS_API kstd_result kstd_vector__erase(kstd_vector__* vector, int64_t index);
 /** Removes the element at `element`, which must point at one of the vector's elements. */
 VEXPERS_API kstd_result kstd_vector__eraseElement(kstd_vector__* vector, void* element);
+/** Appends a copy of `element`. */
 VEXPERS_API kstd_result kstd_vector__pushBack(kstd_vector__* vector, const void* element);
 /** Removes the last element (ksys_result_notFound when empty). */
 VEXPERS_API kstd_result kstd_vector__popBack(kstd_vector__* vector);

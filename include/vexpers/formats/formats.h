@@ -27,6 +27,10 @@
  *
  * Every function returns a kstd_result (0 or more: success). A null required
  * pointer is a precondition fault (ksys_result_preconditionFailed).
+ * Write and read functions clear `statistics` (all 0) and `report` (code 0,
+ * offset -1, empty message) on entry; on failure the statistics stay 0 and
+ * the report holds the code and the offset. An unknown `format` fails with
+ * kfmt_result_malformed.
  */
 #ifndef VEXPERS_FORMATS_FORMATS_H
 #define VEXPERS_FORMATS_FORMATS_H
@@ -178,7 +182,9 @@ typedef struct kfmt_memoryWriter {
 
 /* ---- Options ------------------------------------------------------------------------- */
 
-/** The default limits, no flags, no progress (interval 65536 nodes). */
+/** The default limits (maxBytes and maxNodes INT64_MAX, maxDepth 10,000,000,
+ *  maxNameUnits 4096, maxStringUnits 2^30 - 1, maxItems 2^31 - 1), no flags,
+ *  no progress (interval 65536 nodes). */
 KFMT_API kstd_result kfmt_options_setDefaults(kfmt_options* options);
 
 /* ---- Memory sources and sinks ----------------------------------------------------------- */
@@ -215,7 +221,8 @@ KFMT_API const char* kfmt_formatName(uint32_t format);
  * read by kfmt_readTree writes the same bytes it was read from. `options`
  * (progress only) and `statistics` may be null; `report` may be null.
  * Failures: the processor's and the library's codes, a sink's code,
- * kfmt_result_notStorable.
+ * kfmt_result_notStorable; the sink may then have received part of the
+ * stream.
  */
 KFMT_API kstd_result kfmt_writeTree(kstd_persistentPropertyTree* tree, uint32_t format, const kfmt_sink* sink,
                                     const kfmt_options* options, kfmt_statistics* statistics, kfmt_report* report);
@@ -254,7 +261,9 @@ KFMT_API kstd_result kfmt_readTreeFile(kstd_persistentPropertyTree* tree, uint32
  * "#id" for an object's definition, "-> #id" for a reference, "= value" for
  * leaves and arrays of core items ("null" for a null pointer or string, "[]"
  * for an empty array), "(N items)" for arrays of other items. Needs no type
- * to be registered. Indentation stops growing at 64 levels.
+ * to be registered. Indentation stops growing at 64 levels. Failures: the
+ * sink's code (the sink may have received part of the text),
+ * ksys_result_outOfMemory, and the library's codes met while walking.
  */
 KFMT_API kstd_result kfmt_dumpTree(const kstd_persistentPropertyTree* tree, const kfmt_sink* sink);
 
