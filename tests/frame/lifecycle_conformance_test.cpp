@@ -269,30 +269,25 @@ kstd_result elementEqual(const void* first, const void* second, uint32_t* same) 
         return kstd_vector__compareEqual(&first->base, &second->base, &same, nullptr) == 0 && same == 1; \
     }
 
-VEXPERS_SCALAR_VECTOR_TRAITS(kstd_vector8s)
-VEXPERS_SCALAR_VECTOR_TRAITS(kstd_vector8)
-VEXPERS_SCALAR_VECTOR_TRAITS(kstd_vector16s)
-VEXPERS_SCALAR_VECTOR_TRAITS(kstd_vector16)
-VEXPERS_SCALAR_VECTOR_TRAITS(kstd_vector32s)
-VEXPERS_SCALAR_VECTOR_TRAITS(kstd_vector32)
-VEXPERS_SCALAR_VECTOR_TRAITS(kstd_vector64s)
-VEXPERS_SCALAR_VECTOR_TRAITS(kstd_vector64)
-VEXPERS_SCALAR_VECTOR_TRAITS(kstd_vectorIntPtrs)
-VEXPERS_SCALAR_VECTOR_TRAITS(kstd_vectorIntPtr)
-VEXPERS_SCALAR_VECTOR_TRAITS(kstd_vectorf)
-VEXPERS_SCALAR_VECTOR_TRAITS(kstd_vectord)
-VEXPERS_SCALAR_VECTOR_TRAITS(kstd_vectorb)
-VEXPERS_SCALAR_VECTOR_TRAITS(kstd_vectorPtrConstVoid)
-VEXPERS_RECORD_VECTOR_TRAITS(kstd_vector_kstd_persistentProperty, kstd_persistentProperty)
-VEXPERS_RECORD_VECTOR_TRAITS(kstd_vector_kstd_persistentType, kstd_persistentType)
-VEXPERS_RECORD_VECTOR_TRAITS(kstd_vector_kstd_persistentPropertyInfo, kstd_persistentPropertyInfo)
-VEXPERS_RECORD_VECTOR_TRAITS(kstd_vector_kstd_persistentPropertyInfoSet, kstd_persistentPropertyInfoSet)
-VEXPERS_RECORD_VECTOR_TRAITS(kstd_vector_kstd_persistentTypeSchema, kstd_persistentTypeSchema)
-VEXPERS_RECORD_VECTOR_TRAITS(kstd_vector_kstd_persistentVariant, kstd_persistentVariant)
-VEXPERS_RECORD_VECTOR_TRAITS(kstd_vector_kstd_stringConst, kstd_stringConst)
-VEXPERS_RECORD_VECTOR_TRAITS(kstd_vector_vector_kstd_stringConst, kstd_vector_kstd_stringConst)
-VEXPERS_RECORD_VECTOR_TRAITS(kstd_vector_kstd_unicodeString, kstd_unicodeString)
-VEXPERS_RECORD_VECTOR_TRAITS(kstd_vector_vectorIntPtrs, kstd_vectorIntPtrs)
+// The vectors: typed vectors of scalars, typed vectors of records (built with
+// _construct) and record vectors (built with _constructEmpty).
+#define VEXPERS_SCALAR_VECTORS(X) X(kstd_vector8s) X(kstd_vector8) X(kstd_vector16s) X(kstd_vector16) \
+    X(kstd_vector32s) X(kstd_vector32) X(kstd_vector64s) X(kstd_vector64) X(kstd_vectorIntPtrs)      \
+    X(kstd_vectorIntPtr) X(kstd_vectorf) X(kstd_vectord) X(kstd_vectorb) X(kstd_vectorPtrConstVoid)
+#define VEXPERS_TYPED_RECORD_VECTORS(X) X(kstd_vector_kstd_unicodeString, kstd_unicodeString) \
+    X(kstd_vector_vectorIntPtrs, kstd_vectorIntPtrs)
+#define VEXPERS_RECORD_VECTORS(X)                                                            \
+    X(kstd_vector_kstd_persistentProperty, kstd_persistentProperty)                          \
+    X(kstd_vector_kstd_persistentType, kstd_persistentType)                                  \
+    X(kstd_vector_kstd_persistentPropertyInfo, kstd_persistentPropertyInfo)                  \
+    X(kstd_vector_kstd_persistentPropertyInfoSet, kstd_persistentPropertyInfoSet)            \
+    X(kstd_vector_kstd_persistentTypeSchema, kstd_persistentTypeSchema)                      \
+    X(kstd_vector_kstd_persistentVariant, kstd_persistentVariant)                            \
+    X(kstd_vector_kstd_stringConst, kstd_stringConst)                                        \
+    X(kstd_vector_vector_kstd_stringConst, kstd_vector_kstd_stringConst)
+VEXPERS_SCALAR_VECTORS(VEXPERS_SCALAR_VECTOR_TRAITS)
+VEXPERS_TYPED_RECORD_VECTORS(VEXPERS_RECORD_VECTOR_TRAITS)
+VEXPERS_RECORD_VECTORS(VEXPERS_RECORD_VECTOR_TRAITS)
 
 // ---- The family check ------------------------------------------------------------
 
@@ -354,8 +349,8 @@ void checkFamily(const Family<R>& f) {
 #define VEXPERS_FAMILY(R, CONSTRUCT, RESET) \
     checkFamily<R>({#R, R##CONSTRUCT, R##_constructCopy, R##_assign, R##RESET, R##_destruct, R##_new, R##_newClone, R##_delete})
 #define VEXPERS_RECORD(R) VEXPERS_FAMILY(R, _construct, _reset);
-#define VEXPERS_RECORD_VECTOR(V) VEXPERS_FAMILY(V, _constructEmpty, _clear);
-#define VEXPERS_TYPED_VECTOR(V) VEXPERS_FAMILY(V, _construct, _clear);
+#define VEXPERS_RECORD_VECTOR(V, ...) VEXPERS_FAMILY(V, _constructEmpty, _clear);
+#define VEXPERS_TYPED_VECTOR(V, ...) VEXPERS_FAMILY(V, _construct, _clear);
 
 // Records that accept only themselves as the source of a copy.
 #define VEXPERS_SELF_ONLY(R)                                                            \
@@ -403,30 +398,9 @@ TEST(LifecycleConformance, EveryRecordFollowsTheFamily) {
                                          kstd_persistentVariant_constructCopy, kstd_persistentVariant_assign,
                                          kstd_persistentVariant_reset, kstd_persistentVariant_destruct, nullptr,
                                          nullptr, nullptr});
-    VEXPERS_TYPED_VECTOR(kstd_vector8s)
-    VEXPERS_TYPED_VECTOR(kstd_vector8)
-    VEXPERS_TYPED_VECTOR(kstd_vector16s)
-    VEXPERS_TYPED_VECTOR(kstd_vector16)
-    VEXPERS_TYPED_VECTOR(kstd_vector32s)
-    VEXPERS_TYPED_VECTOR(kstd_vector32)
-    VEXPERS_TYPED_VECTOR(kstd_vector64s)
-    VEXPERS_TYPED_VECTOR(kstd_vector64)
-    VEXPERS_TYPED_VECTOR(kstd_vectorIntPtrs)
-    VEXPERS_TYPED_VECTOR(kstd_vectorIntPtr)
-    VEXPERS_TYPED_VECTOR(kstd_vectorf)
-    VEXPERS_TYPED_VECTOR(kstd_vectord)
-    VEXPERS_TYPED_VECTOR(kstd_vectorb)
-    VEXPERS_TYPED_VECTOR(kstd_vectorPtrConstVoid)
-    VEXPERS_TYPED_VECTOR(kstd_vector_kstd_unicodeString)
-    VEXPERS_TYPED_VECTOR(kstd_vector_vectorIntPtrs)
-    VEXPERS_RECORD_VECTOR(kstd_vector_kstd_persistentProperty)
-    VEXPERS_RECORD_VECTOR(kstd_vector_kstd_persistentType)
-    VEXPERS_RECORD_VECTOR(kstd_vector_kstd_persistentPropertyInfo)
-    VEXPERS_RECORD_VECTOR(kstd_vector_kstd_persistentPropertyInfoSet)
-    VEXPERS_RECORD_VECTOR(kstd_vector_kstd_persistentTypeSchema)
-    VEXPERS_RECORD_VECTOR(kstd_vector_kstd_persistentVariant)
-    VEXPERS_RECORD_VECTOR(kstd_vector_kstd_stringConst)
-    VEXPERS_RECORD_VECTOR(kstd_vector_vector_kstd_stringConst)
+    VEXPERS_SCALAR_VECTORS(VEXPERS_TYPED_VECTOR)
+    VEXPERS_TYPED_RECORD_VECTORS(VEXPERS_TYPED_VECTOR)
+    VEXPERS_RECORD_VECTORS(VEXPERS_RECORD_VECTOR)
     VEXPERS_SELF_ONLY(kstd_persistentPropertyBagSet)
     VEXPERS_SELF_ONLY(kstd_persistentPropertyTree)
     // The processor: no copy forms.
