@@ -584,9 +584,11 @@ VEXPERS_API kstd_result kstd_persistentTypeRegisterTypeCoreType_string32(void);
 
 /*
  * Built-in object types: the shared pointers and the vectors of core items.
- * RegisterType_T and RegisterTypeObject_T register T once; GetType_T assigns
- * T's global descriptor to `type`, registering T first when registerIfNeeded
- * is not 0 (with 0 on an unregistered T the descriptor is empty).
+ * RegisterType_T and RegisterTypeObject_T register T once (later calls
+ * return 0; failures have the codes of the registration functions above);
+ * GetType_T assigns T's global descriptor to `type`, registering T first when
+ * registerIfNeeded is not 0 (a failure of that is returned with `type`
+ * unchanged; with 0 on an unregistered T the descriptor is empty).
  */
 VEXPERS_API kstd_result kstd_persistentTypeRegisterType_kstd_ptrh(void);
 VEXPERS_API kstd_result kstd_persistentTypeRegisterTypeObject_kstd_ptrh(void);
