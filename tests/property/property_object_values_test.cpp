@@ -58,6 +58,7 @@ TEST(VariantObjectValues, EnumsBitsAndArrays) {
     ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeEnum(variant, types.color, -3), 0);
     EXPECT_EQ(outOf<int64_t>(0, kstd_persistentVariant_getValue_k_Int64, variant), -3);
 
+    // An array in a container is the container; a count beyond 32 bits is refused.
     Type intArray;
     ASSERT_EQ(kstd_persistentTypeGetType(u"int", kstd_persistentTypeDerivation_array, 1, intArray), 0);
     Box list{{5, 6, 7}, 3};
@@ -65,9 +66,7 @@ TEST(VariantObjectValues, EnumsBitsAndArrays) {
     void* first = nullptr;
     intptr_t count = 0;
     EXPECT_EQ(kstd_persistentVariant_getArrayBeginSizeIntPtr(variant, &first, &count), 0);
-    EXPECT_EQ(std::make_pair(first, count), std::make_pair(static_cast<void*>(&list), intptr_t{3}));  // the container
-
-    // A count beyond 32 bits is refused.
+    EXPECT_EQ(std::make_pair(first, count), std::make_pair(static_cast<void*>(&list), intptr_t{3}));
     ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayEmpty(variant, intArray), 0);
     variant->arrayCount = int64_t(1) << 31;
     EXPECT_EQ(kstd_persistentVariant_getArrayBeginSizeIntPtr(variant, &first, &count),
