@@ -314,9 +314,7 @@ TEST(Registry, NestedRegistrationsOfMembersAndItems) {
     failing[0].accessors.slots.entryTypeRegistration = failingMember;
     static const kstd_persistentStaticPropertyList failingList{failing, 1};
     Target& late = newTarget();
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"FailingMember", &objectTable, &valueAccessTable, &failingList,
-                                                    0, &late.flag, &late.handle),
-              CA);
+    EXPECT_EQ(registerObject(u"FailingMember", late, &failingList), CA);
     EXPECT_EQ(late.flag, 1u);
     Type type;
     EXPECT_EQ(kstd_persistentTypeGetType(u"FailingMember", 0, 1, type), 0);
@@ -345,8 +343,7 @@ bool shutDownFreesEverything() {
     Target &object = newTarget(), &enumeration = newTarget(), &bits = newTarget();
     static const kstd_persistentPropertyInfoDefinition members[1]{{u"member", 0, u"int", 0, {}}};
     static const kstd_persistentStaticPropertyList list{members, 1};
-    bool ok = kstd_persistentTypeRegisterTypeObject(u"ShutDownObject", &objectTable, &valueAccessTable, &list, 0,
-                                                    &object.flag, &object.handle) == 0;
+    bool ok = registerObject(u"ShutDownObject", object, &list) == 0;
     ok = ok && kstd_persistentTypeRegisterTypeEnum(u"ShutDownEnum", 0, 0, 0, 0, &valueAccessTable, &valueAccessTable,
                                                    nullptr, nullptr, &enumeration.flag, &bits.flag,
                                                    &enumeration.handle, &bits.handle) == 0;

@@ -137,9 +137,7 @@ TEST(TypeDescriptor, ObjectShareabilityAsksTheObject) {
     ASSERT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"ShareBroken", &objectTable, &valueAccessTable, nullptr,
                                                            &failing, 0, &broken.flag, &broken.handle),
               0);
-    ASSERT_EQ(kstd_persistentTypeRegisterTypeObject(u"ShareAlways", &objectTable, &valueAccessTable, nullptr, 1,
-                                                    &always.flag, &always.handle),
-              0);
+    ASSERT_EQ(registerObject(u"ShareAlways", always, nullptr, 1), 0);
     ASSERT_EQ(registerObject(u"SharePlain", plain), 0);
 
     int yes = 1, no = 0;
