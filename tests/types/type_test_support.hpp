@@ -25,9 +25,13 @@ inline Target& newTarget() {
     return pool[used++];
 }
 
-inline kstd_result registerObject(const char16_t* name, Target& target) {
-    return kstd_persistentTypeRegisterTypeObject(name, &objectTable, &valueAccessTable, nullptr, 0, &target.flag,
-                                                 &target.handle);
+// Registers an object type with the shared support's tables, and the
+// declared properties of `list` when given.
+inline kstd_result registerObject(const char16_t* name, Target& target,
+                                  const kstd_persistentStaticPropertyList* list = nullptr,
+                                  uint32_t isAlwaysShareable = 0) {
+    return kstd_persistentTypeRegisterTypeObject(name, &objectTable, &valueAccessTable, list, isAlwaysShareable,
+                                                 &target.flag, &target.handle);
 }
 
 // Starts the registry, so that a leak check that follows does not count

