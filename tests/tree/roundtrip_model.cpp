@@ -4,6 +4,7 @@
 #include <cstring>
 #include <initializer_list>
 #include <iterator>
+#include <limits>
 #include <utility>
 
 namespace vexpers::test::rt {
@@ -215,7 +216,7 @@ kstd_result loadItems(void*, void* first, void*, const kstd_persistentType* arra
     return result;
 }
 
-// ---- Item, Box, Plain, Link -------------------------------------------------------------
+// ---- Item, Box, Link -------------------------------------------------------------
 
 template <class T>
 kstd_result sizeOf(uint32_t* size) {
@@ -357,8 +358,8 @@ constexpr kstd_persistentValueAccessVtable linkAccess{nullptr, nullptr, nullptr,
 // ---- Declared properties ----------------------------------------------------------------
 
 struct Registered {
-    uint32_t colorFlag, colorBitsFlag, boxFlag, itemFlag, plainFlag, linkFlag, nodeFlag, counterFlag, bareFlag;
-    kstd_persistentType color, colorBits, box, item, plain, link, node, ptrh, counter, bare;
+    uint32_t colorFlag, colorBitsFlag, boxFlag, itemFlag, linkFlag, nodeFlag, counterFlag, bareFlag;
+    kstd_persistentType color, colorBits, box, boxPointer, item, link, node, nodePointer, ptrh, counter, bare;
 };
 Registered registered{};
 
@@ -382,10 +383,6 @@ const kstd_persistentPropertyInfoDefinition itemDefinitions[]{
     {u"weight", 2, u"k_Int32", 0, member<offsetof(Item, weight)>()},
     {u"link", 2, u"kstd_ptrh", 0, member<offsetof(Item, link)>()}};
 const kstd_persistentStaticPropertyList itemProperties{itemDefinitions, std::size(itemDefinitions)};
-
-const kstd_persistentPropertyInfoDefinition plainDefinitions[]{
-    {u"value", 2, u"k_Int32", 0, member<offsetof(Plain, value)>()}};
-const kstd_persistentStaticPropertyList plainProperties{plainDefinitions, 1};
 
 const kstd_persistentPropertyInfoDefinition linkDefinitions[]{
     {u"value", 2, u"k_Int32", 0, member<offsetof(Link, value)>()},
@@ -445,9 +442,6 @@ Types registerModule() {
     EXPECT_EQ(registerColor(), 0);
     EXPECT_EQ(registerBox(), 0);
     EXPECT_EQ(registerItem(), 0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtPlain", &plainObjects<Plain>, &emptyAccess, &plainProperties,
-                                                    0, &registered.plainFlag, &registered.plain),
-              0);
     EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtLink", &linkObjects, &linkAccess, &linkProperties,
                                                            &linkMinimal, 0, &registered.linkFlag, &registered.link),
               0);
@@ -457,192 +451,29 @@ Types registerModule() {
     EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtCounter", &plainObjects<Counter>, &counterAccess, nullptr, 0,
                                                     &registered.counterFlag, &registered.counter),
               0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtBare", &plainObjects<Plain>, &emptyAccess, nullptr, 0,
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtBare", &plainObjects<Box>, &emptyAccess, nullptr, 0,
                                                     &registered.bareFlag, &registered.bare),
               0);
-    kstd_persistentType_construct(&registered.ptrh);
+    for (kstd_persistentType* type : {&registered.ptrh, &registered.nodePointer, &registered.boxPointer})
+        kstd_persistentType_construct(type);
     EXPECT_EQ(kstd_persistentTypeGetType_kstd_ptrh(&registered.ptrh, 1), 0);
-    return Types{&registered.counter, &registered.bare, &registered.node, &registered.link, &registered.plain, &registered.box,
-                 &registered.item, &registered.color, &registered.ptrh};
+    EXPECT_EQ(kstd_persistentType_assignDifferentDerivation(&registered.nodePointer, &registered.node, 1), 0);
+    EXPECT_EQ(kstd_persistentType_assignDifferentDerivation(&registered.boxPointer, &registered.box, 1), 0);
+    return Types{&registered.node,  &registered.nodePointer, &registered.link,    &registered.box, &registered.boxPointer,
+                 &registered.item,  &registered.color,       &registered.counter, &registered.bare, &registered.ptrh};
 }
 
-// ---- Storage format helpers --------------------------------------------------------------
-
-std::u16string textOf(const kstd_stringConst& text) {
-    return text.chars != nullptr ? std::u16string(text.chars, static_cast<size_t>(text.length)) : std::u16string();
-}
-
-std::u16string typeNameOf(const kstd_persistentType& type, uint32_t* derivation) {
+std::u16string typeNameOf(const kstd_persistentType& type) {
     const char16_t* name = nullptr;
     kstd_persistentType_getTypeName(&type, &name);
-    kstd_persistentType_getTypeDerivation(&type, derivation);
     return name != nullptr ? std::u16string(name) : std::u16string();
 }
 
-kstd_result scalarOf(const kstd_persistentVariant& value, Scalar* scalar) {
-    RT_TRY(kstd_persistentVariant_getTypeCategory(&value, &scalar->category));
-    switch (scalar->category) {
-        case kstd_persistentTypeCategory_int:
-            return kstd_persistentVariant_getValue_k_Int64(&value, &scalar->i);
-        case kstd_persistentTypeCategory_uint:
-            return kstd_persistentVariant_getValue_k_UInt64(&value, &scalar->u);
-        case kstd_persistentTypeCategory_bool:
-            return kstd_persistentVariant_getValue_k_Bool(&value, &scalar->b);
-        case kstd_persistentTypeCategory_float:
-            return kstd_persistentVariant_getValue_double(&value, &scalar->d);
-        case kstd_persistentTypeCategory_string: {
-            kstd_unicodeStringConst text;
-            kstd_unicodeStringConst_construct(&text);
-            kstd_result result = kstd_persistentVariant_getValue_kstd_unicodeStringConst(&value, &text);
-            const char16_t* chars = nullptr;
-            int32_t length = 0;
-            if (result >= 0) result = kstd_unicodeStringConst_getStringW(&text, &chars, &length);
-            scalar->isNull = chars == nullptr;
-            if (chars != nullptr) scalar->text.assign(chars, static_cast<size_t>(length));
-            kstd_unicodeStringConst_destruct(&text);
-            return result;
-        }
-        default:
-            return kstd_persistentResult_notSupported;
-    }
-}
-
-kstd_result variantOf(const Scalar& scalar, const kstd_persistentType* type, kstd_persistentVariant* value) {
-    switch (scalar.category) {
-        case kstd_persistentTypeCategory_int:
-            return kstd_persistentVariant_setValueUsingType_k_Int64_(value, type, scalar.i);
-        case kstd_persistentTypeCategory_uint:
-            return kstd_persistentVariant_setValueUsingType_k_UInt64_(value, type, scalar.u);
-        case kstd_persistentTypeCategory_bool:
-            return kstd_persistentVariant_setValueUsingType_k_Bool_(value, type, scalar.b);
-        case kstd_persistentTypeCategory_float:
-            return kstd_persistentVariant_setValueUsingType_double_(value, type, scalar.d);
-        case kstd_persistentTypeCategory_string: {
-            kstd_unicodeString text;
-            kstd_unicodeString_construct(&text);
-            kstd_result result = 0;
-            if (!scalar.isNull) {
-                const std::u16string terminated = scalar.text;
-                result = kstd_unicodeString_assignStringW(&text, terminated.c_str());
-            }
-            if (result >= 0) result = kstd_persistentVariant_setValue_kstd_unicodeString(value, &text);
-            kstd_unicodeString_destruct(&text);
-            return result;
-        }
-        default:
-            return kstd_persistentResult_notSupported;
-    }
-}
-
-Record recordOf(const kstd_persistentPropertyNode* node, uint32_t sectionType) {
-    Record record;
-    record.sectionType = sectionType;
-    // The whole flag word, as a section made with assignNode carries it (a
-    // reference leaf keeps the compound bit it had before it became one).
-    record.flags = node->flags;
-    record.name = textOf(node->info.name);
-    record.typeName = typeNameOf(node->info.type, &record.derivation);
-    record.access = node->info.dataAccess;
-    record.objectId = node->objectId;
-    record.numItems = node->numItems;
-    return record;
-}
-
-struct VariantBox {
-    kstd_persistentVariant v;
-    VariantBox() { kstd_persistentVariant_construct(&v); }
-    ~VariantBox() { kstd_persistentVariant_destruct(&v); }
-    VariantBox(const VariantBox&) = delete;
-    VariantBox& operator=(const VariantBox&) = delete;
-};
-
-struct SectionBox {
-    kstd_persistentPropertyNodeSection s;
-    SectionBox() { kstd_persistentPropertyNodeSection_construct(&s); }
-    ~SectionBox() { kstd_persistentPropertyNodeSection_destruct(&s); }
-    SectionBox(const SectionBox&) = delete;
-    SectionBox& operator=(const SectionBox&) = delete;
-};
-
-kstd_result writeLeaf(const kstd_persistentPropertyNode* node, bool coreArray, std::vector<Record>* records) {
-    Record record = recordOf(node, kstd_persistentPropertyNodeSectionType_leaf);
-    const kstd_persistentVariant& value = node->leafProperty.value;
-    record.valueTypeName = typeNameOf(value.type, &record.valueDerivation);
-    uint32_t isLeaf = 0, leafKind = 0;
-    RT_TRY(kstd_persistentPropertyNode_getIsLeaf(node, &isLeaf, &leafKind));
-    if (coreArray) {
-        record.value = Record::Value::items;
-        void* container = nullptr;
-        uint32_t containerValue = 0, elementSize = 0;
-        void* first = nullptr;
-        intptr_t count = 0;
-        const kstd_persistentContainerVtable* table = nullptr;
-        TypeBox itemType;
-        RT_TRY(kstd_persistentPropertyNode_getContainer(node, &container, &containerValue, &elementSize, &first,
-                                                          &count, &table, &itemType.t));
-        VariantBox item;
-        for (intptr_t i = 0; i < count; ++i) {
-            RT_TRY(kstd_persistentVariant_setValueUsingType(&item.v, &itemType.t,
-                                                              static_cast<char*>(first) + i * elementSize));
-            Scalar scalar;
-            RT_TRY(scalarOf(item.v, &scalar));
-            record.items.push_back(scalar);
-        }
-    } else if (leafKind == kstd_persistentLeafKind_coreValue) {
-        record.value = Record::Value::scalar;
-        RT_TRY(scalarOf(value, &record.scalar));
-    } else if (leafKind == kstd_persistentLeafKind_nullPointer) {
-        record.value = Record::Value::nullPointer;
-    } else if (leafKind == kstd_persistentLeafKind_emptyArray) {
-        record.value = Record::Value::emptyArray;
-    }
-    records->push_back(std::move(record));
-    return 0;
-}
-
-kstd_result sectionOf(const Record& record, kstd_persistentPropertyNodeSection* section) {
-    RT_TRY(kstd_persistentPropertyNodeSection_reset(section));
-    section->sectionType = record.sectionType;
-    if (record.sectionType == kstd_persistentPropertyNodeSectionType_end) return 0;
-    const std::u16string name = record.name;
-    const std::u16string typeName = record.typeName;
-    RT_TRY(kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(&section->info, name.c_str(),
-                                                                           typeName.c_str(), record.derivation,
-                                                                           record.access));
-    section->flags = record.flags;
-    section->objectId = record.objectId;
-    section->numItems = record.numItems;
-    switch (record.value) {
-        case Record::Value::none:
-            return 0;
-        case Record::Value::nullPointer:
-            return kstd_persistentPropertyNodeSection_setPropertyPointerNull(section);
-        case Record::Value::emptyArray:
-            return kstd_persistentPropertyNodeSection_setPropertyArrayEmpty(section);
-        case Record::Value::scalar: {
-            TypeBox type;
-            RT_TRY(kstd_persistentTypeGetType(record.valueTypeName.c_str(), record.valueDerivation, 1, &type.t));
-            VariantBox value;
-            RT_TRY(variantOf(record.scalar, &type.t, &value.v));
-            return kstd_persistentPropertyNodeSection_setLeafPropertyValue(section, &value.v);
-        }
-        case Record::Value::items: {
-            TypeBox itemType;
-            RT_TRY(kstd_persistentTypeGetType(record.valueTypeName.c_str(), 0, 1, &itemType.t));
-            void* first = nullptr;
-            uint32_t elementSize = 0;
-            RT_TRY(kstd_persistentPropertyNodeSection_setPropertyArrayAndAlloc(
-                section, static_cast<int32_t>(record.items.size()), &first, &elementSize));
-            VariantBox item;
-            for (size_t i = 0; i < record.items.size(); ++i) {
-                RT_TRY(variantOf(record.items[i], &itemType.t, &item.v));
-                RT_TRY(kstd_persistentVariant_getValueUsingType(&item.v, &itemType.t,
-                                                                  static_cast<char*>(first) + i * elementSize));
-            }
-            return 0;
-        }
-    }
-    return 0;
+std::u16string textOf(const kstd_unicodeString& text) {
+    const char16_t* chars = nullptr;
+    int32_t length = 0;
+    kstd_unicodeString_getStringW(&text, &chars, &length);
+    return chars != nullptr ? std::u16string(chars, static_cast<size_t>(length)) : std::u16string(u"(null)");
 }
 
 template <class V, class E>
@@ -653,11 +484,50 @@ std::vector<E> elementsOf(const V& vector, kstd_result (*getBeginSize)(const V*,
     return std::vector<E>(begin, begin + size);
 }
 
-std::u16string textOf(const kstd_unicodeString& text) {
-    const char16_t* chars = nullptr;
-    int32_t length = 0;
-    kstd_unicodeString_getStringW(&text, &chars, &length);
-    return chars != nullptr ? std::u16string(chars, static_cast<size_t>(length)) : std::u16string(u"(null)");
+// The section of one spec.
+kstd_result sectionOf(const Spec& spec, kstd_persistentPropertyNodeSection* section) {
+    section->sectionType = spec.sectionType;
+    if (spec.sectionType == kstd_persistentPropertyNodeSectionType_end) return 0;
+    RT_TRY(kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(&section->info, spec.name.c_str(),
+                                                                           spec.typeName.c_str(), spec.derivation, 2));
+    section->flags = spec.flags;
+    section->objectId = spec.objectId;
+    Type type;
+    if (spec.value == Spec::Value::integer || spec.value == Spec::Value::items)
+        RT_TRY(kstd_persistentTypeGetType(spec.valueTypeName.c_str(), 0, 1, type));
+    Variant value;
+    switch (spec.value) {
+        case Spec::Value::none:
+            return 0;
+        case Spec::Value::nullPointer:
+            return kstd_persistentPropertyNodeSection_setPropertyPointerNull(section);
+        case Spec::Value::integer:
+            RT_TRY(kstd_persistentVariant_setValueUsingType_k_Int64_(value, type, spec.integers.at(0)));
+            return kstd_persistentPropertyNodeSection_setLeafPropertyValue(section, value);
+        case Spec::Value::items: {
+            if (spec.integers.empty()) return kstd_persistentPropertyNodeSection_setPropertyArrayEmpty(section);
+            void* first = nullptr;
+            uint32_t size = 0;
+            RT_TRY(kstd_persistentPropertyNodeSection_setPropertyArrayAndAlloc(
+                section, static_cast<int32_t>(spec.integers.size()), &first, &size));
+            for (size_t i = 0; i < spec.integers.size(); ++i) {
+                RT_TRY(kstd_persistentVariant_setValueUsingType_k_Int64_(value, type, spec.integers[i]));
+                RT_TRY(kstd_persistentVariant_getValueUsingType(value, type, static_cast<char*>(first) + i * size));
+            }
+            return 0;
+        }
+    }
+    return 0;
+}
+
+Spec leaf(const char16_t* name, const char16_t* typeName, uint32_t derivation, uint32_t kind) {
+    Spec s;
+    s.sectionType = kstd_persistentPropertyNodeSectionType_leaf;
+    s.flags = kstd_persistentPropertyNodeFlag_leaf | kind | kstd_persistentPropertyNodeFlag_hasInfo;
+    s.name = name;
+    s.typeName = typeName;
+    s.derivation = derivation;
+    return s;
 }
 
 }  // namespace
@@ -679,6 +549,18 @@ void newLink(kstd_ptrh* pointer) {
     ASSERT_EQ(kstd_ptrh_assignShared(pointer, &static_cast<Link*>(object)->header), 0);
 }
 
+void newChain(kstd_ptrh* head, int32_t length) {
+    newLink(head);
+    SharedPointer tail;
+    kstd_ptrh_assign(tail, head);
+    for (int32_t i = 1; i < length; ++i) {
+        linkOf(tail.v)->value = i - 1;
+        newLink(&linkOf(tail.v)->next);
+        kstd_ptrh_assign(tail, &linkOf(tail.v)->next);
+    }
+    linkOf(tail.v)->value = -1;
+}
+
 Node* nodeOf(const kstd_ptrh& pointer) {
     return pointer.shared != nullptr ? static_cast<Node*>(pointer.shared->whole) : nullptr;
 }
@@ -697,9 +579,9 @@ void unlinkNode(Node* node) {
 
 void releaseChain(kstd_ptrh* head) {
     while (head->shared != nullptr) {
-        PointerBox current;
-        kstd_ptrh_assign(&current.p, head);
-        Link* link = linkOf(current.p);
+        SharedPointer current;
+        kstd_ptrh_assign(current, head);
+        Link* link = linkOf(current.v);
         kstd_ptrh_assign(head, &link->next);
         kstd_ptrh_reset(&link->next);
     }
@@ -707,12 +589,11 @@ void releaseChain(kstd_ptrh* head) {
 
 void unlinkRecorded(const kstd_persistentPropertyTree* tree, int64_t ids) {
     for (int64_t id = 0; id < ids; ++id) {
-        VariantBox recorded;
-        if (kstd_persistentPropertyTree_getObjectById(tree, id, &recorded.v) < 0) continue;
+        Variant recorded;
+        if (kstd_persistentPropertyTree_getObjectById(tree, id, recorded) < 0) continue;
         void* whole = nullptr;
-        if (kstd_persistentVariant_getWholeObject(&recorded.v, &whole) < 0 || whole == nullptr) continue;
-        uint32_t derivation = 0;
-        const std::u16string name = typeNameOf(recorded.v.type, &derivation);
+        if (kstd_persistentVariant_getWholeObject(recorded, &whole) < 0 || whole == nullptr) continue;
+        const std::u16string name = typeNameOf(recorded->type);
         if (name == u"RtNode") unlinkNode(static_cast<Node*>(whole));
         if (name == u"RtLink") kstd_ptrh_reset(&static_cast<Link*>(whole)->next);
     }
@@ -727,9 +608,9 @@ std::string compareValues(const Node& e, const Node& a, bool withItems) {
 #undef RT_SAME
     if (withItems && e.items.count != a.items.count) return "item count";
     if (textOf(e.name) != textOf(a.name)) return "field name";
-#define RT_SAME_VECTOR(field, vector, element)                                      \
-    if (elementsOf<vector, element>(e.field, vector##_getBeginSizeIntPtrConst) !=   \
-        elementsOf<vector, element>(a.field, vector##_getBeginSizeIntPtrConst))     \
+#define RT_SAME_VECTOR(field, vector, element)                                    \
+    if (elementsOf<vector, element>(e.field, vector##_getBeginSizeIntPtrConst) != \
+        elementsOf<vector, element>(a.field, vector##_getBeginSizeIntPtrConst))   \
         return "vector " #field;
     RT_SCALAR_VECTORS(RT_SAME_VECTOR)
 #undef RT_SAME_VECTOR
@@ -746,71 +627,209 @@ std::string compareValues(const Node& e, const Node& a, bool withItems) {
     return {};
 }
 
+Graph::Graph() {
+    newNode(a);
+    newNode(b);
+    newNode(c);
+    Node& na = *nodeOf(a.v);
+    na.i8 = -128;
+    na.i16 = -30000;
+    na.i32 = std::numeric_limits<int32_t>::min();
+    na.i64 = std::numeric_limits<int64_t>::min();
+    na.u8 = 255;
+    na.u16 = 65535;
+    na.u32 = 4000000000u;
+    na.u64 = std::numeric_limits<uint64_t>::max();
+    na.flag = 5;  // a k_Bool keeps any value
+    na.f = 0.1f;
+    na.d = std::numeric_limits<double>::denorm_min();
+    na.size = 12345678901ULL;
+    kstd_unicodeString_assignStringW(&na.name, u"quote \" backslash \\ tab \t \U0001F600 \u00e4");
+    na.color = 2;
+    na.bits = 0x8000000000000005ULL;
+    kstd_vector8s_pushBack(&na.v8s, -1);
+    kstd_vector8_pushBack(&na.v8, 200);
+    kstd_vector16s_pushBack(&na.v16s, -300);
+    kstd_vector16_pushBack(&na.v16, 60000);
+    // v32s stays empty: an empty array.
+    kstd_vector32_pushBack(&na.v32, 7);
+    kstd_vector64s_pushBack(&na.v64s, std::numeric_limits<int64_t>::min());
+    kstd_vector64_pushBack(&na.v64, std::numeric_limits<uint64_t>::max());
+    kstd_vectorIntPtrs_pushBack(&na.vps, -5);
+    kstd_vectorIntPtr_pushBack(&na.vp, 5);
+    kstd_vectorf_pushBack(&na.vf, 1.0f / 3.0f);
+    for (double d : {-0.0, std::numeric_limits<double>::infinity(), 1e308}) kstd_vectord_pushBack(&na.vd, d);
+    kstd_vectorb_pushBack(&na.vb, 1);
+    kstd_vectorb_pushBack(&na.vb, 0);
+    Text text;
+    kstd_unicodeString_assignStringW(text, u"");
+    kstd_vector_kstd_unicodeString_pushBack(&na.vstr, text);
+    kstd_unicodeString_reset(text);  // the null string
+    kstd_vector_kstd_unicodeString_pushBack(&na.vstr, text);
+    kstd_ptrh_assign(&na.next, b);
+    kstd_ptrh_assign(&na.other, b);
+    kstd_ptrhConst_assignShared(&na.view, b->shared);
+    na.box = Box{3, 4};
+    na.items.count = 2;
+    na.items.items[0].weight = 7;
+    kstd_ptrh_assign(&na.items.items[0].link, c);
+    na.items.items[1].weight = 9;
+    kstd_ptrh_assign(&na.items.items[1].link, b);
+    nodeOf(b.v)->i32 = 42;
+    kstd_ptrh_assign(&nodeOf(b.v)->next, a);
+    nodeOf(b.v)->box = Box{5, 6};
+    kstd_unicodeString_assignStringW(&nodeOf(c.v)->name, u"C");
+}
+
+Graph::~Graph() {
+    for (SharedPointer* p : {&a, &b, &c}) unlinkNode(nodeOf(p->v));
+}
+
+void expectCopyOf(const Graph& graph, const kstd_ptrh& root) {
+    const Node* a = nodeOf(root);
+    ASSERT_NE(a, nullptr);
+    EXPECT_NE(a, nodeOf(graph.a.v)) << "composing makes new objects";
+    EXPECT_EQ(compareValues(*nodeOf(graph.a.v), *a), "");
+    const Node* b = nodeOf(a->next);
+    ASSERT_NE(b, nullptr);
+    EXPECT_EQ(compareValues(*nodeOf(graph.b.v), *b), "");
+    // Pointers to one object are rebuilt as one object.
+    EXPECT_EQ(a->other.shared, a->next.shared);
+    EXPECT_EQ(a->view.shared, a->next.shared);
+    EXPECT_EQ(a->items.items[1].link.shared, a->next.shared);
+    EXPECT_EQ(b->next.shared, root.shared) << "the cycle is closed";
+    EXPECT_EQ(b->other.shared, nullptr);
+    EXPECT_EQ(b->view.shared, nullptr);
+    const Node* c = nodeOf(a->items.items[0].link);
+    ASSERT_NE(c, nullptr);
+    EXPECT_EQ(compareValues(*nodeOf(graph.c.v), *c), "");
+    EXPECT_NE(c, b);
+}
+
+Sections::~Sections() {
+    for (kstd_persistentPropertyNodeSection*& section : list) kstd_persistentPropertyNodeSection_delete(&section);
+}
+
+kstd_result Sections::add(kstd_persistentPropertyNodeSection** section) {
+    *section = nullptr;
+    RT_TRY(kstd_persistentPropertyNodeSection_new(section));
+    list.push_back(*section);
+    return 0;
+}
+
 kstd_result Writer::visit(void* context, int32_t event, int32_t, const kstd_persistentPropertyNode* node) {
     auto* writer = static_cast<Writer*>(context);
+    kstd_persistentPropertyNodeSection* section = nullptr;
     switch (event) {
         case kstd_persistentPropertyProcessorEvent_nodeBegin:
             writer->open.push_back(node);
-            writer->records.push_back(recordOf(node, kstd_persistentPropertyNodeSectionType_start));
-            return 0;
+            RT_TRY(writer->sections.add(&section));
+            RT_TRY(kstd_persistentPropertyNodeSection_assignNode(section, node,
+                                                                 kstd_persistentPropertyNodeSectionType_start));
+            return kstd_persistentProperty_reset(&section->property);
         case kstd_persistentPropertyProcessorEvent_leaf:
+        case kstd_persistentPropertyProcessorEvent_coreArray:
             // An array found empty while its items were expanded: the node
             // is already open and simply has no items.
             if (!writer->open.empty() && writer->open.back() == node) return 0;
-            return writeLeaf(node, false, &writer->records);
-        case kstd_persistentPropertyProcessorEvent_coreArray:
-            return writeLeaf(node, true, &writer->records);
-        case kstd_persistentPropertyProcessorEvent_nodeEnd: {
-            Record end;
-            end.sectionType = kstd_persistentPropertyNodeSectionType_end;
-            end.name = textOf(node->info.name);
-            writer->records.push_back(end);
+            RT_TRY(writer->sections.add(&section));
+            return kstd_persistentPropertyNodeSection_assignNode(section, node,
+                                                                 kstd_persistentPropertyNodeSectionType_leaf);
+        case kstd_persistentPropertyProcessorEvent_nodeEnd:
             writer->open.pop_back();
-            return 0;
-        }
+            RT_TRY(writer->sections.add(&section));
+            return kstd_persistentPropertyNodeSection_assignNode(section, node,
+                                                                 kstd_persistentPropertyNodeSectionType_end);
         default:
             return ksys_result_failure;
     }
 }
 
-kstd_result rebuild(const std::vector<Record>& records, kstd_persistentPropertyTree* tree) {
-    SectionBox section;
+kstd_result rebuild(const Sections& sections, kstd_persistentPropertyTree* tree) {
     std::vector<kstd_persistentPropertyNode*> open;
-    for (const Record& record : records) {
-        RT_TRY(sectionOf(record, &section.s));
+    for (const kstd_persistentPropertyNodeSection* section : sections.list) {
         kstd_persistentPropertyNode* node = nullptr;
-        switch (record.sectionType) {
-            case kstd_persistentPropertyNodeSectionType_start:
-                if (open.empty()) {
-                    RT_TRY(kstd_persistentPropertyTree_allocNextChild(tree, &node));
-                    RT_TRY(kstd_persistentPropertyNode_startNode(node, &section.s));
-                } else {
-                    RT_TRY(kstd_persistentPropertyNode_startChildNode(open.back(), &section.s, &node));
-                }
-                open.push_back(node);
-                break;
-            case kstd_persistentPropertyNodeSectionType_leaf:
-                if (open.empty()) {
-                    RT_TRY(kstd_persistentPropertyTree_allocNextChild(tree, &node));
-                    RT_TRY(kstd_persistentPropertyNode_startNode(node, &section.s));
-                } else {
-                    RT_TRY(kstd_persistentPropertyNode_addChildLeafNode(open.back(), &section.s));
-                }
-                break;
-            case kstd_persistentPropertyNodeSectionType_end: {
-                if (open.empty()) return ksys_result_failure;
-                uint32_t matches = 0;
-                RT_TRY(kstd_persistentPropertyNode_isMatchingEnd(open.back(), &section.s, &matches));
-                if (matches == 0) return ksys_result_failure;
-                RT_TRY(kstd_persistentPropertyNode_endNode(open.back()));
-                open.pop_back();
-                break;
-            }
-            default:
-                return ksys_result_failure;
+        if (section->sectionType == kstd_persistentPropertyNodeSectionType_end) {
+            uint32_t matches = 0;
+            if (open.empty()) return ksys_result_failure;
+            RT_TRY(kstd_persistentPropertyNode_isMatchingEnd(open.back(), section, &matches));
+            if (matches == 0) return ksys_result_failure;
+            RT_TRY(kstd_persistentPropertyNode_endNode(open.back()));
+            open.pop_back();
+        } else if (open.empty()) {
+            RT_TRY(kstd_persistentPropertyTree_allocNextChild(tree, &node));
+            RT_TRY(kstd_persistentPropertyNode_startNode(node, section));
+            if (section->sectionType != kstd_persistentPropertyNodeSectionType_leaf) open.push_back(node);
+        } else if (section->sectionType == kstd_persistentPropertyNodeSectionType_leaf) {
+            RT_TRY(kstd_persistentPropertyNode_addChildLeafNode(open.back(), section));
+        } else {
+            RT_TRY(kstd_persistentPropertyNode_startChildNode(open.back(), section, &node));
+            open.push_back(node);
         }
     }
     return open.empty() ? 0 : ksys_result_failure;
+}
+
+Spec start(const char16_t* name, const char16_t* typeName, uint32_t derivation) {
+    Spec s;
+    s.sectionType = kstd_persistentPropertyNodeSectionType_start;
+    s.flags = kstd_persistentPropertyNodeFlag_compound | kstd_persistentPropertyNodeFlag_hasInfo;
+    s.name = name;
+    s.typeName = typeName;
+    s.derivation = derivation;
+    return s;
+}
+
+Spec define(const char16_t* typeName, int64_t id) {
+    Spec s = start(u"ptr", typeName, kstd_persistentTypeDerivation_pointer);
+    s.flags |= kstd_persistentPropertyNodeFlag_hasObjectId;
+    s.objectId = id;
+    return s;
+}
+
+Spec end() { return Spec{}; }
+
+Spec integer(const char16_t* name, const char16_t* typeName, int64_t value) {
+    Spec s = leaf(name, typeName, 0, kstd_persistentPropertyNodeFlag_leafCoreValue);
+    s.value = Spec::Value::integer;
+    s.valueTypeName = typeName;
+    s.integers = {value};
+    return s;
+}
+
+Spec reference(const char16_t* typeName, int64_t id) {
+    Spec s = leaf(u"ptr", typeName, kstd_persistentTypeDerivation_pointer, kstd_persistentPropertyNodeFlag_leafReference);
+    s.flags |= kstd_persistentPropertyNodeFlag_hasObjectId;
+    s.objectId = id;
+    return s;
+}
+
+Spec nullPointer(const char16_t* typeName) {
+    Spec s =
+        leaf(u"ptr", typeName, kstd_persistentTypeDerivation_pointer, kstd_persistentPropertyNodeFlag_leafNullPointer);
+    s.value = Spec::Value::nullPointer;
+    return s;
+}
+
+Spec items(const char16_t* itemTypeName, std::vector<int64_t> values) {
+    Spec s = leaf(u"items", itemTypeName, kstd_persistentTypeDerivation_array,
+                  values.empty() ? kstd_persistentPropertyNodeFlag_leafEmptyArray : 0);
+    s.flags |= kstd_persistentPropertyNodeFlag_arrayOfCoreItems;
+    if (!values.empty()) s.flags &= ~kstd_persistentPropertyNodeFlag_leaf;
+    s.value = Spec::Value::items;
+    s.valueTypeName = itemTypeName;
+    s.integers = std::move(values);
+    return s;
+}
+
+kstd_result rebuild(const std::vector<Spec>& specs, kstd_persistentPropertyTree* tree) {
+    Sections sections;
+    for (const Spec& spec : specs) {
+        kstd_persistentPropertyNodeSection* section = nullptr;
+        RT_TRY(sections.add(&section));
+        RT_TRY(sectionOf(spec, section));
+    }
+    return rebuild(sections, tree);
 }
 
 }  // namespace vexpers::test::rt
