@@ -41,132 +41,178 @@ kstd_persistentPropertyAccessors member(kstd_result (*registration)() = nullptr)
     return accessors({{4, word(addressAt<Offset>)}, {8, word(loadAt<Offset>)}, {10, word(registration)}});
 }
 
-kstd_result notOffered(void*, const void*) { return kstd_persistentResult_notSupported; }
-kstd_result notOffered(void*) { return kstd_persistentResult_notSupported; }
-kstd_result notOfferedClone(void**, const void*) { return kstd_persistentResult_notSupported; }
-
-// ---- The vectors of Node, in one list ----------------------------------------------------
-
-#define RT_SCALAR_VECTORS(X)            \
-    X(v8s, kstd_vector8s, int8_t)       \
-    X(v8, kstd_vector8, uint8_t)        \
-    X(v16s, kstd_vector16s, int16_t)    \
-    X(v16, kstd_vector16, uint16_t)     \
-    X(v32s, kstd_vector32s, int32_t)    \
-    X(v32, kstd_vector32, uint32_t)     \
-    X(v64s, kstd_vector64s, int64_t)    \
-    X(v64, kstd_vector64, uint64_t)     \
+#define RT_SCALAR_VECTORS(X)             \
+    X(v8s, kstd_vector8s, int8_t)        \
+    X(v8, kstd_vector8, uint8_t)         \
+    X(v16s, kstd_vector16s, int16_t)     \
+    X(v16, kstd_vector16, uint16_t)      \
+    X(v32s, kstd_vector32s, int32_t)     \
+    X(v32, kstd_vector32, uint32_t)      \
+    X(v64s, kstd_vector64s, int64_t)     \
+    X(v64, kstd_vector64, uint64_t)      \
     X(vps, kstd_vectorIntPtrs, intptr_t) \
-    X(vp, kstd_vectorIntPtr, uintptr_t) \
-    X(vf, kstd_vectorf, float)          \
-    X(vd, kstd_vectord, double)         \
+    X(vp, kstd_vectorIntPtr, uintptr_t)  \
+    X(vf, kstd_vectorf, float)           \
+    X(vd, kstd_vectord, double)          \
     X(vb, kstd_vectorb, int32_t)
 
-// ---- Node ------------------------------------------------------------------------------
+// ---- Object life cycles: construct and destruct per type, the rest from templates ----------
 
-kstd_result nodeDelete(void** object);
+template <class T>
+constexpr const char16_t* nameOf = nullptr;
+template <>
+constexpr const char16_t* nameOf<Node> = u"RtNode";
+template <>
+constexpr const char16_t* nameOf<Link> = u"RtLink";
 
-kstd_result destroySharedNode(kstd_shared* shared) {
+template <class T>
+kstd_result deleteObject(void** object);
+template <class T>
+kstd_result destroyShared(kstd_shared* shared) {
     void* whole = shared->whole;
-    return nodeDelete(&whole);
+    return deleteObject<T>(&whole);
 }
-constexpr kstd_sharedCustom nodeCounting{destroySharedNode, nullptr, nullptr};
-kstd_result nodeSharedName(const kstd_shared*, const char16_t** name) {
-    *name = u"RtNode";
+template <class T>
+kstd_result sharedName(const kstd_shared*, const char16_t** name) {
+    *name = nameOf<T>;
     return 0;
 }
+template <class T>
+kstd_result objectName(const void*, const char16_t** name) {
+    *name = nameOf<T>;
+    return 0;
+}
+template <class T>
+kstd_result sharedHeader(void* object, const char16_t* name, void** result) {
+    *result = std::u16string(name) == u"kstd_shared" ? &static_cast<T*>(object)->header : nullptr;
+    return 0;
+}
+template <class T>
+constexpr kstd_sharedCustom counting{destroyShared<T>, nullptr, nullptr};
 // Shared pointers name their pointee's type by the shared object's name.
-constexpr kstd_sharedTyped nodeTyped{kstd_shared_queryInterfaceByTypenameFinal, nodeSharedName};
+template <class T>
+constexpr kstd_sharedTyped typed{kstd_shared_queryInterfaceByTypenameFinal, sharedName<T>};
+template <class T>
+constexpr kstd_typeDescriptorMinimalVtable minimal{sharedHeader<T>, objectName<T>};
 
-kstd_result nodeSize(uint32_t* size) {
-    *size = sizeof(Node);
-    return 0;
-}
-
-kstd_result nodeConstruct(void* object) {
-    auto* node = static_cast<Node*>(object);
+kstd_result construct(Node* node) {
     std::memset(node, 0, sizeof(Node));
     void* items = nullptr;
     RT_TRY(ksys_memory_alloc_internal(4 * sizeof(Item), &items));
-    node->items.items = static_cast<Item*>(items);
     std::memset(items, 0, 4 * sizeof(Item));
-    RT_TRY(kstd_shared_initCustomTyped(&node->header, node, &nodeCounting, &nodeTyped));
+    node->items.items = static_cast<Item*>(items);
+    RT_TRY(kstd_shared_initCustomTyped(&node->header, node, &counting<Node>, &typed<Node>));
     RT_TRY(kstd_unicodeString_construct(&node->name));
 #define RT_CONSTRUCT(field, vector, element) RT_TRY(vector##_construct(&node->field));
     RT_SCALAR_VECTORS(RT_CONSTRUCT)
 #undef RT_CONSTRUCT
     RT_TRY(kstd_vector_kstd_unicodeString_construct(&node->vstr));
     // An empty pointer still names the type it points at.
-    RT_TRY(kstd_ptrh_constructBaseTypename(&node->next, nullptr, u"RtNode"));
-    RT_TRY(kstd_ptrh_constructBaseTypename(&node->other, nullptr, u"RtNode"));
+    for (kstd_ptrh* p : {&node->next, &node->other, &node->items.items[0].link, &node->items.items[1].link,
+                         &node->items.items[2].link, &node->items.items[3].link})
+        RT_TRY(kstd_ptrh_constructBaseTypename(p, nullptr, u"RtNode"));
     RT_TRY(kstd_ptrhConst_constructBaseTypename(&node->view, nullptr, u"RtNode"));
-    for (int i = 0; i < 4; ++i) RT_TRY(kstd_ptrh_constructBaseTypename(&node->items.items[i].link, nullptr, u"RtNode"));
     ++live;
     return 0;
 }
 
-kstd_result nodeDestruct(void* object) {
-    auto* node = static_cast<Node*>(object);
+kstd_result destruct(Node* node) {
     kstd_unicodeString_destruct(&node->name);
 #define RT_DESTRUCT(field, vector, element) vector##_destruct(&node->field);
     RT_SCALAR_VECTORS(RT_DESTRUCT)
 #undef RT_DESTRUCT
     kstd_vector_kstd_unicodeString_destruct(&node->vstr);
-    kstd_ptrh_destruct(&node->next);
-    kstd_ptrh_destruct(&node->other);
+    for (kstd_ptrh* p : {&node->next, &node->other, &node->items.items[0].link, &node->items.items[1].link,
+                         &node->items.items[2].link, &node->items.items[3].link})
+        kstd_ptrh_destruct(p);
     kstd_ptrhConst_destruct(&node->view);
-    for (int i = 0; i < 4; ++i) kstd_ptrh_destruct(&node->items.items[i].link);
     void* items = node->items.items;
-    ksys_memory_free_internal(&items);
     --live;
+    return ksys_memory_free_internal(&items);
+}
+
+kstd_result construct(Link* link) {
+    std::memset(link, 0, sizeof(Link));
+    RT_TRY(kstd_shared_initCustomTyped(&link->header, link, &counting<Link>, &typed<Link>));
+    ++live;
+    return kstd_ptrh_constructBaseTypename(&link->next, nullptr, u"RtLink");
+}
+kstd_result destruct(Link* link) {
+    --live;
+    return kstd_ptrh_destruct(&link->next);
+}
+
+kstd_result construct(Item* item) {
+    item->weight = 0;
+    return kstd_ptrh_constructBaseTypename(&item->link, nullptr, u"RtNode");
+}
+kstd_result destruct(Item* item) { return kstd_ptrh_destruct(&item->link); }
+
+// Boxes and counters are plain data.
+template <class T>
+kstd_result construct(T* object) {
+    std::memset(object, 0, sizeof(T));
     return 0;
 }
-
-kstd_result nodeNew(void** object) {
-    if (*object != nullptr) RT_TRY(nodeDelete(object));
-    void* memory = nullptr;
-    RT_TRY(ksys_memory_alloc_internal(sizeof(Node), &memory));
-    if (kstd_result result = nodeConstruct(memory); result < 0) {
-        ksys_memory_free_internal(&memory);
-        return result;
-    }
-    *object = memory;
+template <class T>
+kstd_result destruct(T*) {
     return 0;
 }
-
-kstd_result nodeDelete(void** object) {
-    if (*object == nullptr) return 0;
-    RT_TRY(nodeDestruct(*object));
-    return ksys_memory_free_internal(object);
-}
-
-constexpr kstd_persistentObjectVtable nodeObjects{nodeSize,   nodeConstruct, notOffered, notOffered, nodeDestruct,
-                                                  notOffered, nodeNew,       notOfferedClone, nodeDelete};
 
 template <class T>
-kstd_result sharedHeader(void* object, const char16_t* name, void** result) {
-    *result = nullptr;
-    if (std::u16string(name) == u"kstd_shared") *result = &static_cast<T*>(object)->header;
+kstd_result sizeOf(uint32_t* size) {
+    *size = sizeof(T);
     return 0;
 }
-kstd_result nodeTypename(const void*, const char16_t** name) {
-    *name = u"RtNode";
-    return 0;
+template <class T>
+kstd_result constructAt(void* object) {
+    return construct(static_cast<T*>(object));
 }
-constexpr kstd_typeDescriptorMinimalVtable nodeMinimal{sharedHeader<Node>, nodeTypename};
+template <class T>
+kstd_result destructAt(void* object) {
+    return destruct(static_cast<T*>(object));
+}
+template <class T>
+kstd_result deleteObject(void** object) {
+    if (*object == nullptr) return 0;
+    RT_TRY(destruct(static_cast<T*>(*object)));
+    return ksys_memory_free_internal(object);
+}
+template <class T>
+kstd_result newObject(void** object) {
+    RT_TRY(deleteObject<T>(object));
+    RT_TRY(ksys_memory_alloc_internal(sizeof(T), object));
+    const kstd_result result = construct(static_cast<T*>(*object));
+    if (result < 0) ksys_memory_free_internal(object);
+    return result;
+}
+kstd_result notOffered(void*, const void*) { return kstd_persistentResult_notSupported; }
+kstd_result notOffered(void*) { return kstd_persistentResult_notSupported; }
+kstd_result notOfferedClone(void**, const void*) { return kstd_persistentResult_notSupported; }
+template <class T>
+constexpr kstd_persistentObjectVtable objects{sizeOf<T>,   constructAt<T>, notOffered,      notOffered, destructAt<T>,
+                                              notOffered,  newObject<T>,   notOfferedClone, deleteObject<T>};
 
-const Node& nodeAt(const void* object) { return *static_cast<const Node*>(object); }
+template <class T>
+void newShared(kstd_ptrh* pointer) {
+    void* object = nullptr;
+    ASSERT_EQ(newObject<T>(&object), 0);
+    ASSERT_EQ(kstd_ptrh_assignShared(pointer, &static_cast<T*>(object)->header), 0);
+}
+
+// ---- Accessors that are not members by address --------------------------------------------
+
 kstd_result colorValue(const void* object, int64_t* value) {
-    *value = nodeAt(object).color;
+    *value = static_cast<const Node*>(object)->color;
     return 0;
 }
 kstd_result bitsValue(const void* object, uint64_t* value) {
-    *value = nodeAt(object).bits;
+    *value = static_cast<const Node*>(object)->bits;
     return 0;
 }
 
-// ---- Items: a container of object items inside Node --------------------------------------
-
+// The container of object items inside Node, and its load entry: one item
+// from each child of the array's node.
 kstd_result listResize(void* container, int64_t count) {
     if (count < 0 || count > 4) return kstd_persistentResult_invalidCount;
     static_cast<ItemList*>(container)->count = static_cast<intptr_t>(count);
@@ -190,14 +236,11 @@ kstd_result itemNext(void*, void** element) {
     return 0;
 }
 constexpr kstd_persistentContainerVtable listTable{listResize, listSize, listBegin, itemLayout, itemNext, nullptr};
-
 kstd_result locateItems(void* object, void** first, void** second) {
     *first = &static_cast<Node*>(object)->items;
     *second = const_cast<kstd_persistentContainerVtable*>(&listTable);
     return 0;
 }
-
-// Loads the items from the children of the array's node, one item each.
 kstd_result loadItems(void*, void* first, void*, const kstd_persistentType* arrayType,
                       const kstd_persistentPropertyNode* node) {
     auto* list = static_cast<ItemList*>(first);
@@ -205,146 +248,23 @@ kstd_result loadItems(void*, void* first, void*, const kstd_persistentType* arra
     for (const kstd_persistentPropertyNode* child = node->firstChild; child != nullptr; child = child->nextSibling)
         ++count;
     RT_TRY(listResize(list, count));
-    kstd_persistentType itemType;
-    kstd_persistentType_construct(&itemType);
-    kstd_result result = kstd_persistentType_assignDifferentDerivation(&itemType, arrayType, 0);
-    int index = 0;
-    for (const kstd_persistentPropertyNode* child = node->firstChild; child != nullptr && result >= 0;
-         child = child->nextSibling)
-        result = kstd_persistentType_loadPropertyNode(&itemType, &list->items[index++], child);
-    kstd_persistentType_destruct(&itemType);
-    return result;
-}
-
-// ---- Item, Box, Link -------------------------------------------------------------
-
-template <class T>
-kstd_result sizeOf(uint32_t* size) {
-    *size = sizeof(T);
+    Type itemType;
+    RT_TRY(kstd_persistentType_assignDifferentDerivation(itemType, arrayType, 0));
+    Item* item = list->items;
+    for (const kstd_persistentPropertyNode* child = node->firstChild; child != nullptr; child = child->nextSibling)
+        RT_TRY(kstd_persistentType_loadPropertyNode(itemType, item++, child));
     return 0;
 }
-template <class T>
-kstd_result zero(void* object) {
-    std::memset(object, 0, sizeof(T));
-    return 0;
-}
-template <class T>
-kstd_result copy(void* object, const void* source) {
-    std::memcpy(object, source, sizeof(T));
-    return 0;
-}
-kstd_result nothing(void*) { return 0; }
-template <class T>
-kstd_result make(void** object) {
-    if (*object != nullptr) ksys_memory_free_internal(object);
-    RT_TRY(ksys_memory_alloc_internal(sizeof(T), object));
-    return zero<T>(*object);
-}
-kstd_result unmake(void** object) { return ksys_memory_free_internal(object); }
-
-template <class T>
-constexpr kstd_persistentObjectVtable plainObjects{sizeOf<T>, zero<T>, copy<T>, copy<T>,         nothing,
-                                                   zero<T>,   make<T>, notOfferedClone, unmake};
-
-kstd_result itemConstruct(void* object) {
-    zero<Item>(object);
-    return kstd_ptrh_constructBaseTypename(&static_cast<Item*>(object)->link, nullptr, u"RtNode");
-}
-kstd_result itemDestruct(void* object) { return kstd_ptrh_destruct(&static_cast<Item*>(object)->link); }
-kstd_result itemDelete(void** object) {
-    if (*object == nullptr) return 0;
-    RT_TRY(itemDestruct(*object));
-    return ksys_memory_free_internal(object);
-}
-kstd_result itemNew(void** object) {
-    RT_TRY(itemDelete(object));
-    RT_TRY(ksys_memory_alloc_internal(sizeof(Item), object));
-    return itemConstruct(*object);
-}
-constexpr kstd_persistentObjectVtable itemObjects{sizeOf<Item>, itemConstruct, notOffered,      notOffered, itemDestruct,
-                                                  notOffered,   itemNew,       notOfferedClone, itemDelete};
-
-kstd_result linkDelete(void** object);
-kstd_result destroySharedLink(kstd_shared* shared) {
-    void* whole = shared->whole;
-    return linkDelete(&whole);
-}
-constexpr kstd_sharedCustom linkCounting{destroySharedLink, nullptr, nullptr};
-kstd_result linkSharedName(const kstd_shared*, const char16_t** name) {
-    *name = u"RtLink";
-    return 0;
-}
-constexpr kstd_sharedTyped linkTyped{kstd_shared_queryInterfaceByTypenameFinal, linkSharedName};
-kstd_result linkConstruct(void* object) {
-    auto* link = static_cast<Link*>(object);
-    std::memset(link, 0, sizeof(Link));
-    RT_TRY(kstd_shared_initCustomTyped(&link->header, link, &linkCounting, &linkTyped));
-    RT_TRY(kstd_ptrh_constructBaseTypename(&link->next, nullptr, u"RtLink"));
-    ++live;
-    return 0;
-}
-// Releases the chain behind a link without recursion: each following link
-// that only this chain holds gives up its own next before it is dropped, so a
-// chain of any length is freed on a flat stack.
-kstd_result linkDestruct(void* object) {
-    kstd_ptrh rest;
-    kstd_ptrh_constructEmpty(&rest);
-    kstd_ptrh_assign(&rest, &static_cast<Link*>(object)->next);
-    kstd_ptrh_destruct(&static_cast<Link*>(object)->next);
-    int32_t holders = 0;
-    while (rest.shared != nullptr && kstd_shared_getReferenceCount(rest.shared, &holders) == 0 && holders == 1) {
-        Link* next = static_cast<Link*>(rest.shared->whole);
-        kstd_ptrh following;
-        kstd_ptrh_constructEmpty(&following);
-        kstd_ptrh_assign(&following, &next->next);
-        kstd_ptrh_reset(&next->next);
-        kstd_ptrh_assign(&rest, &following);
-        kstd_ptrh_destruct(&following);
-    }
-    kstd_ptrh_destruct(&rest);
-    --live;
-    return 0;
-}
-kstd_result linkNew(void** object) {
-    if (*object != nullptr) RT_TRY(linkDelete(object));
-    void* memory = nullptr;
-    RT_TRY(ksys_memory_alloc_internal(sizeof(Link), &memory));
-    if (kstd_result result = linkConstruct(memory); result < 0) {
-        ksys_memory_free_internal(&memory);
-        return result;
-    }
-    *object = memory;
-    return 0;
-}
-kstd_result linkDelete(void** object) {
-    if (*object == nullptr) return 0;
-    RT_TRY(linkDestruct(*object));
-    return ksys_memory_free_internal(object);
-}
-constexpr kstd_persistentObjectVtable linkObjects{sizeOf<Link>, linkConstruct, notOffered,      notOffered, linkDestruct,
-                                                  notOffered,   linkNew,       notOfferedClone, linkDelete};
-kstd_result linkTypename(const void*, const char16_t** name) {
-    *name = u"RtLink";
-    return 0;
-}
-constexpr kstd_typeDescriptorMinimalVtable linkMinimal{sharedHeader<Link>, linkTypename};
-
-constexpr kstd_persistentValueAccessVtable emptyAccess{};
 
 kstd_result counterLoad(void* object, const kstd_persistentPropertyNode* node) {
     auto* counter = static_cast<Counter*>(object);
     RT_TRY(kstd_persistentPropertyNode_getEnumAsInt64(node, u"count", &counter->count));
     const kstd_persistentPropertyNode* box = nullptr;
     RT_TRY(kstd_persistentPropertyNode_getMatchingChildConst(node, u"box", 1, &box));
-    kstd_persistentType boxType;
-    kstd_persistentType_construct(&boxType);
-    kstd_result result = kstd_persistentTypeGetType(u"RtBox", 0, 1, &boxType);
-    if (result >= 0) result = kstd_persistentType_loadPropertyNode(&boxType, &counter->box, box);
-    kstd_persistentType_destruct(&boxType);
-    return result;
+    Type boxType;
+    RT_TRY(kstd_persistentTypeGetType(u"RtBox", 0, 1, boxType));
+    return kstd_persistentType_loadPropertyNode(boxType, &counter->box, box);
 }
-constexpr kstd_persistentValueAccessVtable counterAccess{nullptr, nullptr, nullptr, nullptr,    nullptr,
-                                                         nullptr, nullptr, nullptr, counterLoad};
 
 std::vector<AfterLoad> afterLoads;
 kstd_result linkLoaded(void* object) {
@@ -352,6 +272,10 @@ kstd_result linkLoaded(void* object) {
     afterLoads.push_back(AfterLoad{link->value, link->next.shared != nullptr});
     return 0;
 }
+
+constexpr kstd_persistentValueAccessVtable emptyAccess{};
+constexpr kstd_persistentValueAccessVtable counterAccess{nullptr, nullptr, nullptr, nullptr,    nullptr,
+                                                         nullptr, nullptr, nullptr, counterLoad};
 constexpr kstd_persistentValueAccessVtable linkAccess{nullptr, nullptr, nullptr, nullptr,   nullptr,
                                                       nullptr, nullptr, linkLoaded, nullptr};
 
@@ -430,11 +354,11 @@ kstd_result registerColor() {
                                                &registered.colorBitsFlag, &registered.color, &registered.colorBits);
 }
 kstd_result registerBox() {
-    return kstd_persistentTypeRegisterTypeObject(u"RtBox", &plainObjects<Box>, &emptyAccess, &boxProperties, 1,
+    return kstd_persistentTypeRegisterTypeObject(u"RtBox", &objects<Box>, &emptyAccess, &boxProperties, 1,
                                                  &registered.boxFlag, &registered.box);
 }
 kstd_result registerItem() {
-    return kstd_persistentTypeRegisterTypeObject(u"RtItem", &itemObjects, &emptyAccess, &itemProperties, 0,
+    return kstd_persistentTypeRegisterTypeObject(u"RtItem", &objects<Item>, &emptyAccess, &itemProperties, 0,
                                                  &registered.itemFlag, &registered.item);
 }
 
@@ -442,16 +366,16 @@ Types registerModule() {
     EXPECT_EQ(registerColor(), 0);
     EXPECT_EQ(registerBox(), 0);
     EXPECT_EQ(registerItem(), 0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtLink", &linkObjects, &linkAccess, &linkProperties,
-                                                           &linkMinimal, 0, &registered.linkFlag, &registered.link),
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtLink", &objects<Link>, &linkAccess, &linkProperties,
+                                                           &minimal<Link>, 0, &registered.linkFlag, &registered.link),
               0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtNode", &nodeObjects, &emptyAccess, &nodeProperties,
-                                                           &nodeMinimal, 0, &registered.nodeFlag, &registered.node),
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtNode", &objects<Node>, &emptyAccess, &nodeProperties,
+                                                           &minimal<Node>, 0, &registered.nodeFlag, &registered.node),
               0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtCounter", &plainObjects<Counter>, &counterAccess, nullptr, 0,
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtCounter", &objects<Counter>, &counterAccess, nullptr, 0,
                                                     &registered.counterFlag, &registered.counter),
               0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtBare", &plainObjects<Box>, &emptyAccess, nullptr, 0,
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtBare", &objects<Box>, &emptyAccess, nullptr, 0,
                                                     &registered.bareFlag, &registered.bare),
               0);
     for (kstd_persistentType* type : {&registered.ptrh, &registered.nodePointer, &registered.boxPointer})
@@ -537,17 +461,8 @@ const Types& types() {
     return module;
 }
 
-void newNode(kstd_ptrh* pointer) {
-    void* object = nullptr;
-    ASSERT_EQ(nodeNew(&object), 0);
-    ASSERT_EQ(kstd_ptrh_assignShared(pointer, &static_cast<Node*>(object)->header), 0);
-}
-
-void newLink(kstd_ptrh* pointer) {
-    void* object = nullptr;
-    ASSERT_EQ(linkNew(&object), 0);
-    ASSERT_EQ(kstd_ptrh_assignShared(pointer, &static_cast<Link*>(object)->header), 0);
-}
+void newNode(kstd_ptrh* pointer) { newShared<Node>(pointer); }
+void newLink(kstd_ptrh* pointer) { newShared<Link>(pointer); }
 
 void newChain(kstd_ptrh* head, int32_t length) {
     newLink(head);
