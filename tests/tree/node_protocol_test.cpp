@@ -56,14 +56,16 @@ protected:
             kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(info, name, name, 0, 2);
     }
 
-    // A top-level node started from a start section named "top".
-    TreeNode* startedTop() {
+    // A top-level node started from `section`, or from a start section named "top".
+    TreeNode* started() {
         TreeNode* top = nullptr;
         EXPECT_EQ(kstd_persistentPropertyTree_allocNextChild(tree, &top), 0);
-        Section section;
-        startSection(section, u"top");
         EXPECT_EQ(kstd_persistentPropertyNode_startNode(top, section), 0);
         return top;
+    }
+    TreeNode* startedTop() {
+        startSection(section, u"top");
+        return started();
     }
 
     NoLeaks leaks;  // checked after the tree and the section go
@@ -306,19 +308,16 @@ TEST_F(NodeProtocolTest, SectionsCarryTheWholeFlagWordAndBuildFlagsForReading) {
 
 TEST_F(NodeProtocolTest, CoreOrEnumValueIsTheNodeOrItsValueChild) {
     AssertRecorder faults;
-    TreeNode* leaf = nullptr;
-    ASSERT_EQ(kstd_persistentPropertyTree_allocNextChild(tree, &leaf), 0);
-    intLeafSection(section, kstd_persistentPropertyNodeSectionType_leaf, u"n", 4);
-    ASSERT_EQ(kstd_persistentPropertyNode_startNode(leaf, section), 0);
     const kstd_persistentVariant* variant = nullptr;
+    intLeafSection(section, kstd_persistentPropertyNodeSectionType_leaf, u"n", 4);
+    const TreeNode* leaf = started();
     ASSERT_EQ(kstd_persistentPropertyNode_getCoreTypeOrEnumVariant(leaf, 1, &variant), 0);
     EXPECT_EQ(variant, &leaf->leafProperty.value);
 
-    // An enum is a compound whose child "value" holds it.
-    TreeNode* color = nullptr;
-    ASSERT_EQ(kstd_persistentPropertyTree_allocNextChild(tree, &color), 0);
+    // An enum is a compound whose child "value" holds it; without the child
+    // there is no value, required or not.
     startSection(section, u"color", types().color);
-    ASSERT_EQ(kstd_persistentPropertyNode_startNode(color, section), 0);
+    TreeNode* color = started();
     EXPECT_EQ(kstd_persistentPropertyNode_getCoreTypeOrEnumVariant(color, 1, &variant),
               kstd_persistentResult_typeMismatch);
     EXPECT_EQ(kstd_persistentPropertyNode_getCoreTypeOrEnumVariant(color, 0, &variant), 0);
@@ -329,10 +328,8 @@ TEST_F(NodeProtocolTest, CoreOrEnumValueIsTheNodeOrItsValueChild) {
     EXPECT_EQ(variant, &color->firstChild->leafProperty.value);
 
     // An object type has no such value; a type nobody registered neither.
-    TreeNode* part = nullptr;
-    ASSERT_EQ(kstd_persistentPropertyTree_allocNextChild(tree, &part), 0);
     startSection(section, u"part");
-    ASSERT_EQ(kstd_persistentPropertyNode_startNode(part, section), 0);
+    TreeNode* part = started();
     EXPECT_EQ(kstd_persistentPropertyNode_getCoreTypeOrEnumVariant(part, 1, &variant),
               kstd_persistentResult_typeMismatch);
     ASSERT_EQ(kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(&part->info, u"part", u"RtNobody", 0, 2),
