@@ -41,21 +41,6 @@ kstd_persistentPropertyAccessors member(kstd_result (*registration)() = nullptr)
     return accessors({{4, word(addressAt<Offset>)}, {8, word(loadAt<Offset>)}, {10, word(registration)}});
 }
 
-#define RT_SCALAR_VECTORS(X)             \
-    X(v8s, kstd_vector8s, int8_t)        \
-    X(v8, kstd_vector8, uint8_t)         \
-    X(v16s, kstd_vector16s, int16_t)     \
-    X(v16, kstd_vector16, uint16_t)      \
-    X(v32s, kstd_vector32s, int32_t)     \
-    X(v32, kstd_vector32, uint32_t)      \
-    X(v64s, kstd_vector64s, int64_t)     \
-    X(v64, kstd_vector64, uint64_t)      \
-    X(vps, kstd_vectorIntPtrs, intptr_t) \
-    X(vp, kstd_vectorIntPtr, uintptr_t)  \
-    X(vf, kstd_vectorf, float)           \
-    X(vd, kstd_vectord, double)          \
-    X(vb, kstd_vectorb, int32_t)
-
 // ---- Object life cycles: construct and destruct per type, the rest from templates ----------
 
 template <class T>

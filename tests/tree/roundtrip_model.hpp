@@ -39,6 +39,22 @@ struct ItemList {
     intptr_t count;
 };
 
+// The built-in vectors of Node, in one list: member, vector type, element.
+#define RT_SCALAR_VECTORS(X)             \
+    X(v8s, kstd_vector8s, int8_t)        \
+    X(v8, kstd_vector8, uint8_t)         \
+    X(v16s, kstd_vector16s, int16_t)     \
+    X(v16, kstd_vector16, uint16_t)      \
+    X(v32s, kstd_vector32s, int32_t)     \
+    X(v32, kstd_vector32, uint32_t)      \
+    X(v64s, kstd_vector64s, int64_t)     \
+    X(v64, kstd_vector64, uint64_t)      \
+    X(vps, kstd_vectorIntPtrs, intptr_t) \
+    X(vp, kstd_vectorIntPtr, uintptr_t)  \
+    X(vf, kstd_vectorf, float)           \
+    X(vd, kstd_vectord, double)          \
+    X(vb, kstd_vectorb, int32_t)
+
 // The shared object type: scalars of every category that a value can hold,
 // a string, an enum and a bit field, every built-in vector, shared
 // pointers, a box held by value twice and a container of object items.
@@ -59,19 +75,9 @@ struct Node {
     kstd_unicodeString name;
     int64_t color;  // RtColor
     uint64_t bits;  // RtColor bit field
-    kstd_vector8s v8s;
-    kstd_vector8 v8;
-    kstd_vector16s v16s;
-    kstd_vector16 v16;
-    kstd_vector32s v32s;
-    kstd_vector32 v32;
-    kstd_vector64s v64s;
-    kstd_vector64 v64;
-    kstd_vectorIntPtrs vps;
-    kstd_vectorIntPtr vp;
-    kstd_vectorf vf;
-    kstd_vectord vd;
-    kstd_vectorb vb;
+#define RT_DECLARE_VECTOR(field, vector, element) vector field;
+    RT_SCALAR_VECTORS(RT_DECLARE_VECTOR)
+#undef RT_DECLARE_VECTOR
     kstd_vector_kstd_unicodeString vstr;
     kstd_ptrh next;
     kstd_ptrh other;
