@@ -29,15 +29,7 @@ int childCount(const TreeNode* node) {
 
 class DecomposeTest : public ::testing::Test {
 protected:
-    // First uses intern names for good: decompose once before counting.
-    static void SetUpTestSuite() {
-        SharedPointer warm;
-        newNode(warm);
-        Property property;
-        Tree tree;
-        kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(property, u"root", 2, warm);
-        kstd_persistentPropertyTree_resetDecomposeProperty(tree, property);
-    }
+    static void SetUpTestSuite() { types(); }
     DecomposeTest() {
         newNode(a);
         newNode(b);

@@ -12,12 +12,7 @@ namespace {
 
 class RegistryTest : public ::testing::Test {
 protected:
-    // Start the registry and the variant's cache of core types first.
-    static void SetUpTestSuite() {
-        types();
-        Variant number;
-        kstd_persistentVariant_setValue_int(number, 4);
-    }
+    static void SetUpTestSuite() { types(); }
 
     // A variant holding a pointer to `box`.
     Variant& hold(Box* box) {

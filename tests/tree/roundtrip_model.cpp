@@ -443,6 +443,26 @@ Spec leaf(const char16_t* name, const char16_t* typeName, uint32_t derivation, u
 
 const Types& types() {
     static const Types module = registerModule();
+    // What first uses make for good (late resolution of declared properties,
+    // lazy registrations, interned names, the variant's cache of core types)
+    // is made here by one round trip, before any leak check.
+    static const bool warm = [] {
+        Graph graph;
+        Property root;
+        Tree decomposed, rebuilt;
+        Processor processor;
+        Writer writer;
+        SharedPointer copy;
+        kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(root, u"root", 2, graph.a);
+        kstd_persistentPropertyTree_resetDecomposeProperty(decomposed, root);
+        kstd_persistentPropertyProcessor_processPropertyTree(processor, decomposed, Writer::visit, &writer);
+        EXPECT_EQ(rebuild(writer.sections, rebuilt), 0);
+        EXPECT_EQ(kstd_persistentType_loadPropertyNode(module.ptrh, copy, rebuilt->firstChild), 0);
+        unlinkRecorded(rebuilt, 16);
+        if (nodeOf(copy.v) != nullptr) unlinkNode(nodeOf(copy.v));
+        return true;
+    }();
+    (void)warm;
     return module;
 }
 

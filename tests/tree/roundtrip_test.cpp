@@ -50,19 +50,9 @@ struct RootProperty {
     }
 };
 
-// Registers the module and runs one round trip, so that what first uses
-// allocate or free for good (late resolution of declared properties, lazy
-// registrations, interned names) stays out of the leak checks that follow.
-void warmUp() {
-    types();
-    Graph graph;
-    RootProperty root(graph.a);
-    RoundTrip trip;
-    EXPECT_EQ(trip.run(root.property), 0);
-}
 
 TEST(RoundTrip, DecomposedTreeComposesDirectlyAfterForgettingItsObjects) {
-    warmUp();
+    types();
     LiveBlockCheck leaks;
     {
         Graph graph;
@@ -91,7 +81,7 @@ TEST(RoundTrip, DecomposedTreeComposesDirectlyAfterForgettingItsObjects) {
 }
 
 TEST(RoundTrip, GraphComposesFromWrittenSectionsAndEveryAllocationFailureFailsCleanly) {
-    warmUp();
+    types();
     const int64_t objectsBefore = liveObjects();
     LiveBlockCheck leaks;
     {
@@ -124,7 +114,7 @@ TEST(RoundTrip, GraphComposesFromWrittenSectionsAndEveryAllocationFailureFailsCl
 // with one bag, walked over bags and over its tree, written, rebuilt,
 // composed and freed on the default stack.
 TEST(RoundTrip, LongChainTakesEveryRoadWithoutDeepNativeStack) {
-    warmUp();
+    types();
     constexpr int32_t length = 100000;
     LiveBlockCheck leaks;
     {
