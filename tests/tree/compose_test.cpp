@@ -7,15 +7,15 @@
 namespace vexpers::test::rt {
 namespace {
 
-// A tree built from specs, its top node, and a fresh node object to
+// A tree built from hand-written section lines, its top node, and a fresh node object to
 // compose into.
 struct Composition {
     Tree tree;
     SharedPointer target;
     kstd_result built;
 
-    explicit Composition(const std::vector<Spec>& specs) {
-        built = rebuild(specs, tree);
+    explicit Composition(const std::vector<Line>& lines) {
+        built = rebuild(lines, tree);
         newNode(target);
     }
     Node& node() { return *nodeOf(target.v); }
@@ -115,7 +115,7 @@ TEST(Compose, ValuesOfCoreTypesEnumsVectorsAndPointersLoad) {
 TEST(Compose, UntrustedTreesFailWithCodesAndLeakNothing) {
     const struct {
         const char* what;
-        std::vector<Spec> specs;
+        std::vector<Line> lines;
         kstd_result code;
     } cases[]{
         {"a reference to an id nothing defined",
@@ -151,7 +151,7 @@ TEST(Compose, UntrustedTreesFailWithCodesAndLeakNothing) {
     withoutLeaks([&] {
         for (const auto& test : cases) {
             SCOPED_TRACE(test.what);
-            Composition c(test.specs);
+            Composition c(test.lines);
             ASSERT_EQ(c.built, 0);
             c.node().box.width = 1;
             kstd_vector32s_pushBack(&c.node().v32s, 5);

@@ -393,34 +393,34 @@ std::vector<E> elementsOf(const V& vector, kstd_result (*getBeginSize)(const V*,
     return std::vector<E>(begin, begin + size);
 }
 
-// The section of one spec.
-kstd_result sectionOf(const Spec& spec, kstd_persistentPropertyNodeSection* section) {
-    section->sectionType = spec.sectionType;
-    if (spec.sectionType == kstd_persistentPropertyNodeSectionType_end) return 0;
-    RT_TRY(kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(&section->info, spec.name.c_str(),
-                                                                           spec.typeName.c_str(), spec.derivation, 2));
-    section->flags = spec.flags;
-    section->objectId = spec.objectId;
+// The section of one line.
+kstd_result sectionOf(const Line& line, kstd_persistentPropertyNodeSection* section) {
+    section->sectionType = line.sectionType;
+    if (line.sectionType == kstd_persistentPropertyNodeSectionType_end) return 0;
+    RT_TRY(kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(&section->info, line.name.c_str(),
+                                                                           line.typeName.c_str(), line.derivation, 2));
+    section->flags = line.flags;
+    section->objectId = line.objectId;
     Type type;
-    if (spec.value == Spec::Value::integer || spec.value == Spec::Value::items)
-        RT_TRY(kstd_persistentTypeGetType(spec.valueTypeName.c_str(), 0, 1, type));
+    if (line.value == Line::Value::integer || line.value == Line::Value::items)
+        RT_TRY(kstd_persistentTypeGetType(line.valueTypeName.c_str(), 0, 1, type));
     Variant value;
-    switch (spec.value) {
-        case Spec::Value::none:
+    switch (line.value) {
+        case Line::Value::none:
             return 0;
-        case Spec::Value::nullPointer:
+        case Line::Value::nullPointer:
             return kstd_persistentPropertyNodeSection_setPropertyPointerNull(section);
-        case Spec::Value::integer:
-            RT_TRY(kstd_persistentVariant_setValueUsingType_k_Int64_(value, type, spec.integers.at(0)));
+        case Line::Value::integer:
+            RT_TRY(kstd_persistentVariant_setValueUsingType_k_Int64_(value, type, line.integers.at(0)));
             return kstd_persistentPropertyNodeSection_setLeafPropertyValue(section, value);
-        case Spec::Value::items: {
-            if (spec.integers.empty()) return kstd_persistentPropertyNodeSection_setPropertyArrayEmpty(section);
+        case Line::Value::items: {
+            if (line.integers.empty()) return kstd_persistentPropertyNodeSection_setPropertyArrayEmpty(section);
             void* first = nullptr;
             uint32_t size = 0;
             RT_TRY(kstd_persistentPropertyNodeSection_setPropertyArrayAndAlloc(
-                section, static_cast<int32_t>(spec.integers.size()), &first, &size));
-            for (size_t i = 0; i < spec.integers.size(); ++i) {
-                RT_TRY(kstd_persistentVariant_setValueUsingType_k_Int64_(value, type, spec.integers[i]));
+                section, static_cast<int32_t>(line.integers.size()), &first, &size));
+            for (size_t i = 0; i < line.integers.size(); ++i) {
+                RT_TRY(kstd_persistentVariant_setValueUsingType_k_Int64_(value, type, line.integers[i]));
                 RT_TRY(kstd_persistentVariant_getValueUsingType(value, type, static_cast<char*>(first) + i * size));
             }
             return 0;
@@ -429,8 +429,8 @@ kstd_result sectionOf(const Spec& spec, kstd_persistentPropertyNodeSection* sect
     return 0;
 }
 
-Spec leaf(const char16_t* name, const char16_t* typeName, uint32_t derivation, uint32_t kind) {
-    Spec s;
+Line leaf(const char16_t* name, const char16_t* typeName, uint32_t derivation, uint32_t kind) {
+    Line s;
     s.sectionType = kstd_persistentPropertyNodeSectionType_leaf;
     s.flags = kstd_persistentPropertyNodeFlag_leaf | kind | kstd_persistentPropertyNodeFlag_hasInfo;
     s.name = name;
@@ -690,8 +690,8 @@ kstd_result rebuild(const Sections& sections, kstd_persistentPropertyTree* tree)
     return open.empty() ? 0 : ksys_result_failure;
 }
 
-Spec start(const char16_t* name, const char16_t* typeName, uint32_t derivation) {
-    Spec s;
+Line start(const char16_t* name, const char16_t* typeName, uint32_t derivation) {
+    Line s;
     s.sectionType = kstd_persistentPropertyNodeSectionType_start;
     s.flags = kstd_persistentPropertyNodeFlag_compound | kstd_persistentPropertyNodeFlag_hasInfo;
     s.name = name;
@@ -700,54 +700,54 @@ Spec start(const char16_t* name, const char16_t* typeName, uint32_t derivation) 
     return s;
 }
 
-Spec define(const char16_t* typeName, int64_t id) {
-    Spec s = start(u"ptr", typeName, kstd_persistentTypeDerivation_pointer);
+Line define(const char16_t* typeName, int64_t id) {
+    Line s = start(u"ptr", typeName, kstd_persistentTypeDerivation_pointer);
     s.flags |= kstd_persistentPropertyNodeFlag_hasObjectId;
     s.objectId = id;
     return s;
 }
 
-Spec end() { return Spec{}; }
+Line end() { return Line{}; }
 
-Spec integer(const char16_t* name, const char16_t* typeName, int64_t value) {
-    Spec s = leaf(name, typeName, 0, kstd_persistentPropertyNodeFlag_leafCoreValue);
-    s.value = Spec::Value::integer;
+Line integer(const char16_t* name, const char16_t* typeName, int64_t value) {
+    Line s = leaf(name, typeName, 0, kstd_persistentPropertyNodeFlag_leafCoreValue);
+    s.value = Line::Value::integer;
     s.valueTypeName = typeName;
     s.integers = {value};
     return s;
 }
 
-Spec reference(const char16_t* typeName, int64_t id) {
-    Spec s = leaf(u"ptr", typeName, kstd_persistentTypeDerivation_pointer, kstd_persistentPropertyNodeFlag_leafReference);
+Line reference(const char16_t* typeName, int64_t id) {
+    Line s = leaf(u"ptr", typeName, kstd_persistentTypeDerivation_pointer, kstd_persistentPropertyNodeFlag_leafReference);
     s.flags |= kstd_persistentPropertyNodeFlag_hasObjectId;
     s.objectId = id;
     return s;
 }
 
-Spec nullPointer(const char16_t* typeName) {
-    Spec s =
+Line nullPointer(const char16_t* typeName) {
+    Line s =
         leaf(u"ptr", typeName, kstd_persistentTypeDerivation_pointer, kstd_persistentPropertyNodeFlag_leafNullPointer);
-    s.value = Spec::Value::nullPointer;
+    s.value = Line::Value::nullPointer;
     return s;
 }
 
-Spec items(const char16_t* itemTypeName, std::vector<int64_t> values) {
-    Spec s = leaf(u"items", itemTypeName, kstd_persistentTypeDerivation_array,
+Line items(const char16_t* itemTypeName, std::vector<int64_t> values) {
+    Line s = leaf(u"items", itemTypeName, kstd_persistentTypeDerivation_array,
                   values.empty() ? kstd_persistentPropertyNodeFlag_leafEmptyArray : 0);
     s.flags |= kstd_persistentPropertyNodeFlag_arrayOfCoreItems;
     if (!values.empty()) s.flags &= ~kstd_persistentPropertyNodeFlag_leaf;
-    s.value = Spec::Value::items;
+    s.value = Line::Value::items;
     s.valueTypeName = itemTypeName;
     s.integers = std::move(values);
     return s;
 }
 
-kstd_result rebuild(const std::vector<Spec>& specs, kstd_persistentPropertyTree* tree) {
+kstd_result rebuild(const std::vector<Line>& lines, kstd_persistentPropertyTree* tree) {
     Sections sections;
-    for (const Spec& spec : specs) {
+    for (const Line& line : lines) {
         kstd_persistentPropertyNodeSection* section = nullptr;
         RT_TRY(sections.add(&section));
-        RT_TRY(sectionOf(spec, section));
+        RT_TRY(sectionOf(line, section));
     }
     return rebuild(sections, tree);
 }

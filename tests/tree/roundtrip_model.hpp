@@ -2,7 +2,7 @@
 // through the public registration functions only, with the accessors a
 // client writes (members stored by address, loaded by calling
 // kstd_persistentType_loadPropertyNode on the member); a writer that turns a
-// walked tree into node sections; and trees built from section specs.
+// walked tree into node sections; and trees built from section lines.
 #pragma once
 
 #include <string>
@@ -198,8 +198,8 @@ struct Writer {
 // protocol; a section out of order fails with ksys_result_failure.
 kstd_result rebuild(const Sections& sections, kstd_persistentPropertyTree* tree);
 
-// A section as a test writes it down: integer values only.
-struct Spec {
+// A section as a test writes it down, one line each: integer values only.
+struct Line {
     uint32_t sectionType = kstd_persistentPropertyNodeSectionType_end;
     uint32_t flags = 0;
     std::u16string name, typeName;
@@ -209,13 +209,13 @@ struct Spec {
     std::u16string valueTypeName;
     std::vector<int64_t> integers;  // one for a value, any number of items
 };
-Spec start(const char16_t* name, const char16_t* typeName, uint32_t derivation = 0);
-Spec define(const char16_t* typeName, int64_t id);  // a pointee "ptr" that defines `id`
-Spec end();
-Spec integer(const char16_t* name, const char16_t* typeName, int64_t value);
-Spec reference(const char16_t* typeName, int64_t id);  // a leaf "ptr"
-Spec nullPointer(const char16_t* typeName);             // a leaf "ptr"
-Spec items(const char16_t* itemTypeName, std::vector<int64_t> values);  // a leaf "items"
-kstd_result rebuild(const std::vector<Spec>& specs, kstd_persistentPropertyTree* tree);
+Line start(const char16_t* name, const char16_t* typeName, uint32_t derivation = 0);
+Line define(const char16_t* typeName, int64_t id);  // a pointee "ptr" that defines `id`
+Line end();
+Line integer(const char16_t* name, const char16_t* typeName, int64_t value);
+Line reference(const char16_t* typeName, int64_t id);  // a leaf "ptr"
+Line nullPointer(const char16_t* typeName);             // a leaf "ptr"
+Line items(const char16_t* itemTypeName, std::vector<int64_t> values);  // a leaf "items"
+kstd_result rebuild(const std::vector<Line>& lines, kstd_persistentPropertyTree* tree);
 
 }  // namespace vexpers::test::rt
