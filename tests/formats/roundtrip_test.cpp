@@ -1,10 +1,12 @@
-// Round trips through both formats: the sample scene and the round-trip test
-// model are written, read back, written again (the same bytes), and composed
-// into fresh objects equal to the originals, sharing and cycles included.
-#include <limits>
+// Round trips through both formats: the round-trip test model is written,
+// read back, written again (the same bytes), and composed into fresh objects
+// equal to the originals, sharing and cycles included; scenes convert between
+// the formats exactly; the exact bytes of a small tree, the dump, and files.
+#include <fstream>
+#include <sstream>
+#include <unistd.h>
 
 #include "formats/format_support.hpp"
-#include "tree/roundtrip_model.hpp"
 
 namespace vexpers::test::formats {
 namespace {
@@ -23,160 +25,33 @@ void warmUp() {
     sceneBytes(3, kfmt_format_binary);
 }
 
-TEST_P(RoundTrips, SceneRoundTripsWithStableBytesValuesAndSharing) {
-    warmUp();
-    LiveBlockCheck leaks;
-    {
-        Scene scene;
-        demo::Census built;
-        ASSERT_EQ(demo::buildScene(demo::defaultNodes, &scene.p, &built), 0);
-        Tree decomposed, readBack;
-        ASSERT_EQ(decompose(scene.p, &decomposed.t), 0);
-        Bytes first, second;
-        kfmt_statistics written{}, got{};
-        ASSERT_EQ(write(&decomposed.t, GetParam(), &first, nullptr, &written), 0);
-        EXPECT_EQ(written.bytes, static_cast<int64_t>(first.size()));
-        EXPECT_EQ(written.objects, built.objects()) << "one id per object";
-
-        const kfmt_options options = checkingOptions();
-        kfmt_report report{};
-        ASSERT_EQ(read(&readBack.t, first.data(), first.size(), &options, &report, &got), 0) << report.message;
-        EXPECT_EQ(got.nodes, written.nodes);
-        EXPECT_EQ(got.objects, written.objects);
-        EXPECT_EQ(got.references, written.references);
-        EXPECT_EQ(got.bytes, written.bytes);
-
-        ASSERT_EQ(write(&readBack.t, GetParam(), &second), 0);
-        EXPECT_EQ(first, second) << "write, read, write gives the same bytes";
-
-        Scene copy;
-        ASSERT_EQ(kstd_persistentType_loadPropertyNode(demo::pointerType(), &copy.p, readBack.t.firstChild), 0);
-        demo::Census composed;
-        EXPECT_EQ(demo::compareScenes(scene.p, copy.p, &composed), "");
-        EXPECT_EQ(composed.nodes, built.nodes);
-        EXPECT_EQ(composed.materials, built.materials);
-        kstd_persistentPropertyTree_reset(&readBack.t);
-    }
-    EXPECT_EQ(leaks.leaked(), 0);
-}
-
-TEST(Formats, ConvertingKeepsTheTreeExactly) {
-    warmUp();
-    const Bytes json = sceneBytes(40, kfmt_format_json);
-    const Bytes binary = sceneBytes(40, kfmt_format_binary);
-    EXPECT_LT(binary.size() * 4, json.size()) << "the binary form is compact";
-    Tree tree;
-    Bytes converted;
-    ASSERT_EQ(read(&tree.t, json), 0);
-    ASSERT_EQ(write(&tree.t, kfmt_format_binary, &converted), 0);
-    EXPECT_EQ(converted, binary);
-    ASSERT_EQ(read(&tree.t, binary), 0);
-    ASSERT_EQ(write(&tree.t, kfmt_format_json, &converted), 0);
-    EXPECT_EQ(converted, json);
-}
-
-// The round-trip model: every scalar category, strings, an enum and a bit
-// field, every built-in vector (one empty), pointers shared three ways, a
-// cycle, a box held by value twice and an array of object items whose items
-// hold pointers.
-struct ModelGraph {
-    rt::PointerBox a, b, c;
-    ModelGraph() {
-        rt::newNode(&a.p);
-        rt::newNode(&b.p);
-        rt::newNode(&c.p);
-        rt::Node& na = *rt::nodeOf(a.p);
-        rt::Node& nb = *rt::nodeOf(b.p);
-        na.i8 = -128;
-        na.i16 = -30000;
-        na.i32 = std::numeric_limits<int32_t>::min();
-        na.i64 = std::numeric_limits<int64_t>::min();
-        na.u8 = 255;
-        na.u16 = 65535;
-        na.u32 = 4000000000u;
-        na.u64 = std::numeric_limits<uint64_t>::max();
-        na.flag = 5;  // a k_Bool keeps any value
-        na.f = 0.1f;
-        na.d = std::numeric_limits<double>::denorm_min();
-        na.size = 12345678901ULL;
-        kstd_unicodeString_assignStringW(&na.name, u"quote \" backslash \\ tab \t \U0001F600 \u00e4");
-        na.color = 2;
-        na.bits = 0x8000000000000005ULL;
-        kstd_vector8s_pushBack(&na.v8s, -1);
-        kstd_vector8_pushBack(&na.v8, 200);
-        kstd_vector16s_pushBack(&na.v16s, -300);
-        kstd_vector16_pushBack(&na.v16, 60000);
-        kstd_vector32_pushBack(&na.v32, 7);
-        kstd_vector64s_pushBack(&na.v64s, std::numeric_limits<int64_t>::min());
-        kstd_vector64_pushBack(&na.v64, std::numeric_limits<uint64_t>::max());
-        kstd_vectorIntPtrs_pushBack(&na.vps, -5);
-        kstd_vectorIntPtr_pushBack(&na.vp, 5);
-        kstd_vectorf_pushBack(&na.vf, 1.0f / 3.0f);
-        kstd_vectord_pushBack(&na.vd, -0.0);
-        kstd_vectord_pushBack(&na.vd, std::numeric_limits<double>::infinity());
-        kstd_vectord_pushBack(&na.vd, 1e308);
-        kstd_vectorb_pushBack(&na.vb, 1);
-        kstd_vectorb_pushBack(&na.vb, 0);
-        kstd_unicodeString text;
-        kstd_unicodeString_construct(&text);
-        kstd_unicodeString_assignStringW(&text, u"");
-        kstd_vector_kstd_unicodeString_pushBack(&na.vstr, &text);
-        kstd_unicodeString_reset(&text);  // the null string
-        kstd_vector_kstd_unicodeString_pushBack(&na.vstr, &text);
-        kstd_unicodeString_destruct(&text);
-        kstd_ptrh_assign(&na.next, &b.p);
-        kstd_ptrh_assign(&na.other, &b.p);
-        kstd_ptrhConst_assignShared(&na.view, b.p.shared);
-        na.box = rt::Box{3, 4};
-        na.items.count = 2;
-        na.items.items[0].weight = 7;
-        kstd_ptrh_assign(&na.items.items[0].link, &c.p);
-        na.items.items[1].weight = 9;
-        kstd_ptrh_assign(&na.items.items[1].link, &b.p);
-        nb.i32 = 42;
-        kstd_ptrh_assign(&nb.next, &a.p);
-        nb.box = rt::Box{5, 6};
-        kstd_unicodeString_assignStringW(&rt::nodeOf(c.p)->name, u"C");
-    }
-    ~ModelGraph() {
-        rt::unlinkNode(rt::nodeOf(a.p));
-        rt::unlinkNode(rt::nodeOf(b.p));
-        rt::unlinkNode(rt::nodeOf(c.p));
-    }
-};
-
-// Writes the model graph, reads it back, writes it again and composes it.
+// Every value kind of the round-trip model, sharing and a cycle.
 void modelRoundTrip(uint32_t format) {
-    ModelGraph graph;
-    rt::PropertyBox root;
-    ASSERT_EQ(kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(&root.p, u"root", 2, &graph.a.p), 0);
+    rt::Graph graph;
+    Property root;
+    ASSERT_EQ(kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(root, u"root", 2, graph.a), 0);
     Tree decomposed, readBack;
-    ASSERT_EQ(kstd_persistentPropertyTree_resetDecomposeProperty(&decomposed.t, &root.p), 0);
+    ASSERT_EQ(kstd_persistentPropertyTree_resetDecomposeProperty(decomposed, root), 0);
     Bytes first, second;
     kfmt_report report{};
-    ASSERT_EQ(write(&decomposed.t, format, &first, &report), 0) << report.message;
+    kfmt_statistics written{}, got{};
+    ASSERT_EQ(write(decomposed, format, &first, &report, &written), 0) << report.message;
+    EXPECT_EQ(written.bytes, static_cast<int64_t>(first.size()));
+    EXPECT_EQ(written.objects, 6) << "one id per node and per box";
+    EXPECT_EQ(written.references, 4);
     const kfmt_options options = checkingOptions();
-    ASSERT_EQ(read(&readBack.t, first.data(), first.size(), &options, &report), 0) << report.message;
-    ASSERT_EQ(write(&readBack.t, format, &second), 0);
-    EXPECT_EQ(first, second);
-
-    rt::PointerBox copy;
-    ASSERT_EQ(kstd_persistentType_loadPropertyNode(rt::types().ptrh, &copy.p, readBack.t.firstChild), 0);
-    const rt::Node* a = rt::nodeOf(copy.p);
-    ASSERT_NE(a, nullptr);
-    EXPECT_EQ(rt::compareValues(*rt::nodeOf(graph.a.p), *a), "");
-    const rt::Node* b = rt::nodeOf(a->next);
-    ASSERT_NE(b, nullptr);
-    EXPECT_EQ(rt::compareValues(*rt::nodeOf(graph.b.p), *b), "");
-    EXPECT_EQ(a->other.shared, a->next.shared);
-    EXPECT_EQ(a->view.shared, a->next.shared);
-    EXPECT_EQ(a->items.items[1].link.shared, a->next.shared);
-    EXPECT_EQ(b->next.shared, copy.p.shared) << "the cycle is closed";
-    const rt::Node* c = rt::nodeOf(a->items.items[0].link);
-    ASSERT_NE(c, nullptr);
-    EXPECT_EQ(rt::compareValues(*rt::nodeOf(graph.c.p), *c), "");
-    rt::unlinkRecorded(&readBack.t, 16);
-    rt::unlinkNode(rt::nodeOf(copy.p));
+    ASSERT_EQ(read(readBack, first, &options, &report, &got), 0) << report.message;
+    EXPECT_EQ(got.nodes, written.nodes);
+    EXPECT_EQ(got.objects, written.objects);
+    EXPECT_EQ(got.references, written.references);
+    EXPECT_EQ(got.bytes, written.bytes);
+    ASSERT_EQ(write(readBack, format, &second), 0);
+    EXPECT_EQ(first, second) << "write, read, write gives the same bytes";
+    SharedPointer copy;
+    ASSERT_EQ(kstd_persistentType_loadPropertyNode(rt::types().ptrh, copy, readBack->firstChild), 0);
+    rt::expectCopyOf(graph, copy.v);
+    rt::unlinkRecorded(readBack, 16);
+    rt::unlinkNode(rt::nodeOf(copy.v));
 }
 
 TEST_P(RoundTrips, RoundTripModelRoundTripsWithStableBytes) {
@@ -194,62 +69,149 @@ TEST_P(RoundTrips, RoundTripModelRoundTripsWithStableBytes) {
 TEST_P(RoundTrips, DeepChainRoundTrips) {
     warmUp();
     constexpr int32_t length = 50000;
-    rt::PointerBox head;
-    rt::newLink(&head.p);
-    {
-        rt::PointerBox tail;
-        kstd_ptrh_assign(&tail.p, &head.p);
-        for (int32_t i = 1; i < length; ++i) {
-            rt::linkOf(tail.p)->value = i;
-            rt::newLink(&rt::linkOf(tail.p)->next);
-            kstd_ptrh_assign(&tail.p, &rt::linkOf(tail.p)->next);
-        }
-    }
-    rt::PropertyBox root;
-    ASSERT_EQ(kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(&root.p, u"chain", 2, &head.p), 0);
+    SharedPointer head;
+    rt::newChain(head, length);
+    Property root;
+    ASSERT_EQ(kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(root, u"chain", 2, head), 0);
     Bytes first, second;
     kfmt_statistics got{};
     {
         Tree decomposed;
-        ASSERT_EQ(kstd_persistentPropertyTree_resetDecomposeProperty(&decomposed.t, &root.p), 0);
-        ASSERT_EQ(write(&decomposed.t, GetParam(), &first), 0);
+        ASSERT_EQ(kstd_persistentPropertyTree_resetDecomposeProperty(decomposed, root), 0);
+        ASSERT_EQ(write(decomposed, GetParam(), &first), 0);
     }
     Tree readBack;
-    ASSERT_EQ(read(&readBack.t, first.data(), first.size(), nullptr, nullptr, &got), 0);
+    ASSERT_EQ(read(readBack, first, nullptr, nullptr, &got), 0);
     EXPECT_GE(got.maxDepth, 2 * length);
-    ASSERT_EQ(write(&readBack.t, GetParam(), &second), 0);
+    ASSERT_EQ(write(readBack, GetParam(), &second), 0);
     EXPECT_EQ(first, second);
-    kstd_persistentPropertyTree_reset(&readBack.t);
-    rt::releaseChain(&head.p);
+    kstd_persistentPropertyTree_reset(readBack);
+    rt::releaseChain(head);
 }
 
-}  // namespace
-}  // namespace vexpers::test::formats
+TEST(Formats, ConvertingKeepsTheTreeExactlyAndTheDumpMatchesTheCheckedInText) {
+    warmUp();
+    const Bytes json = sceneBytes(40, kfmt_format_json);
+    const Bytes binary = sceneBytes(40, kfmt_format_binary);
+    EXPECT_LT(binary.size() * 4, json.size()) << "the binary form is compact";
+    Tree tree;
+    Bytes converted;
+    ASSERT_EQ(read(tree, json), 0);
+    ASSERT_EQ(write(tree, kfmt_format_binary, &converted), 0);
+    EXPECT_EQ(converted, binary);
+    ASSERT_EQ(read(tree, binary), 0);
+    ASSERT_EQ(write(tree, kfmt_format_json, &converted), 0);
+    EXPECT_EQ(converted, json);
 
-namespace vexpers::test::formats {
-namespace {
+    // The dump of a small scene is the same read from either format and
+    // straight from the decomposed tree.
+    std::ifstream file(VEXPERS_FORMATS_TEST_DATA "/scene5.dump.txt", std::ios::binary);
+    std::stringstream expected;
+    expected << file.rdbuf();
+    ASSERT_FALSE(expected.str().empty());
+    for (const uint32_t format : bothFormats) {
+        ASSERT_EQ(read(tree, sceneBytes(5, format)), 0);
+        EXPECT_EQ(dumpOf(tree), expected.str()) << kfmt_formatName(format);
+    }
+    Scene scene;
+    demo::Census census;
+    ASSERT_EQ(demo::buildScene(5, scene, &census), 0);
+    ASSERT_EQ(decompose(scene, tree), 0);
+    EXPECT_EQ(dumpOf(tree), expected.str());
+}
+
+// A compound with a value, a reference back to itself and an array.
+TEST(Formats, TinyTreeHasTheDocumentedBytesInBothFormats) {
+    const std::string tinyJson =
+        "{\"format\":\"vexpers-tree\",\"version\":1,\"nodes\":[\n"
+        "  {\"name\":\"t\",\"type\":\"Tiny\",\"derivation\":1,\"kind\":\"object\",\"id\":0,\"children\":[\n"
+        "    {\"name\":\"n\",\"type\":\"k_Int32\",\"kind\":\"value\",\"value\":-2},\n"
+        "    {\"name\":\"self\",\"type\":\"Tiny\",\"derivation\":1,\"kind\":\"ref\",\"id\":0},\n"
+        "    {\"name\":\"xs\",\"type\":\"double\",\"derivation\":2,\"kind\":\"array\",\"count\":2,\"items\":[0.5,-1.0]}\n"
+        "  ]}\n"
+        "],\"nodeCount\":4}\n";
+    Tree tree;
+    kfmt_report report{};
+    ASSERT_EQ(read(tree, bytesOf(tinyJson), nullptr, &report), 0) << report.message;
+    Bytes json, binary;
+    ASSERT_EQ(write(tree, kfmt_format_json, &json), 0);
+    EXPECT_EQ(json, bytesOf(tinyJson));
+    ASSERT_EQ(write(tree, kfmt_format_binary, &binary), 0);
+    const Bytes expected{
+        'V', 'X', 'P', 'B', 1, 0, 0, 0,
+        // start: compound with id; new texts "t" (index 0) and "Tiny" (1); pointer; access 2; id 0
+        'S', 0x40, 1, 2, 't', 1, 5, 'T', 'i', 'n', 'y', 1, 2, 0,
+        // leaf: core value; new texts "n" (2) and "k_Int32" (3); k_Int32 (4) = zigzag(-2)
+        'L', 1, 1, 2, 'n', 1, 8, 'k', '_', 'I', 'n', 't', '3', '2', 0, 2, 4, 3,
+        // leaf: reference with id 0; "self" new (4), "Tiny" again (table index 1 + 2)
+        'L', 0x44, 1, 5, 's', 'e', 'l', 'f', 3, 1, 2, 0,
+        // leaf: array of core items, 2 items of double (29)
+        'L', 0x08, 1, 3, 'x', 's', 1, 7, 'd', 'o', 'u', 'b', 'l', 'e', 2, 2, 2, 29,
+        0, 0, 0, 0, 0, 0, 0xE0, 0x3F, 0, 0, 0, 0, 0, 0, 0xF0, 0xBF,
+        'E', 'Z', 4};
+    EXPECT_EQ(binary, expected);
+}
 
 // Text with an unpaired surrogate: JSON cannot hold it and says so; the
 // binary format keeps it unit for unit.
 TEST(Formats, UnpairedSurrogatesAreKeptInBinaryAndRefusedInJson) {
     const char16_t text[] = {u'a', 0xD800, u'b', 0};
-    kstd_unicodeString value;
-    kstd_unicodeString_construct(&value);
-    ASSERT_EQ(kstd_unicodeString_assignStringW(&value, text), 0);
-    rt::PropertyBox property;
-    ASSERT_EQ(kstd_persistentProperty_resetInfoAndValue_kstd_unicodeString(&property.p, u"odd", 2, &value), 0);
-    kstd_unicodeString_destruct(&value);
+    Text value;
+    ASSERT_EQ(kstd_unicodeString_assignStringW(value, text), 0);
+    Property property;
+    ASSERT_EQ(kstd_persistentProperty_resetInfoAndValue_kstd_unicodeString(property, u"odd", 2, value), 0);
     Tree tree, readBack;
-    ASSERT_EQ(kstd_persistentPropertyTree_resetDecomposeProperty(&tree.t, &property.p), 0);
+    ASSERT_EQ(kstd_persistentPropertyTree_resetDecomposeProperty(tree, property), 0);
     Bytes json, binary, again;
     kfmt_report report{};
-    EXPECT_EQ(write(&tree.t, kfmt_format_json, &json, &report), kfmt_result_notStorable);
+    EXPECT_EQ(write(tree, kfmt_format_json, &json, &report), kfmt_result_notStorable);
     EXPECT_NE(std::string(report.message).find("offset"), std::string::npos) << report.message;
-    ASSERT_EQ(write(&tree.t, kfmt_format_binary, &binary), 0);
-    ASSERT_EQ(read(&readBack.t, binary), 0);
-    ASSERT_EQ(write(&readBack.t, kfmt_format_binary, &again), 0);
+    ASSERT_EQ(write(tree, kfmt_format_binary, &binary), 0);
+    ASSERT_EQ(read(readBack, binary), 0);
+    ASSERT_EQ(write(readBack, kfmt_format_binary, &again), 0);
     EXPECT_EQ(binary, again);
-    EXPECT_EQ(dumpOf(&readBack.t), "odd: kstd_unicodeString = \"a\\uD800b\"\n");
+    EXPECT_EQ(dumpOf(readBack), "odd: kstd_unicodeString = \"a\\uD800b\"\n");
+}
+
+int64_t progressCalls = 0, lastNodes = 0;
+void countProgress(void*, int64_t nodes, int64_t) {
+    ++progressCalls;
+    EXPECT_GE(nodes, lastNodes);
+    lastNodes = nodes;
+}
+
+TEST(Formats, FilesRoundTripWithProgressAndFailuresLeaveNoFile) {
+    ASSERT_EQ(demo::registerTypes(), 0);
+    Scene scene;
+    demo::Census census;
+    Tree tree, readBack;
+    ASSERT_EQ(demo::buildScene(30, scene, &census), 0);
+    ASSERT_EQ(decompose(scene, tree), 0);
+    char path[] = "/tmp/vexpers-formats-XXXXXX";
+    const int descriptor = mkstemp(path);
+    ASSERT_GE(descriptor, 0);
+    close(descriptor);
+
+    kfmt_options options;
+    kfmt_options_setDefaults(&options);
+    options.progress = countProgress;
+    options.progressInterval = 50;
+    kfmt_statistics written{}, got{};
+    kfmt_report report{};
+    ASSERT_EQ(kfmt_writeTreeFile(tree, kfmt_format_binary, path, &options, &written, &report), 0) << report.message;
+    EXPECT_EQ(progressCalls, written.nodes / 50 + 1) << "every 50 nodes and once at the end";
+    EXPECT_EQ(lastNodes, written.nodes);
+    ASSERT_EQ(kfmt_readTreeFile(readBack, kfmt_format_detect, path, nullptr, &got, &report), 0) << report.message;
+    EXPECT_EQ(got.bytes, written.bytes);
+    EXPECT_EQ(dumpOf(readBack), dumpOf(tree));
+
+    // A write that cannot finish removes its file.
+    EXPECT_EQ(kfmt_writeTreeFile(tree, 7, path, nullptr, nullptr, &report), kfmt_result_malformed);
+    EXPECT_NE(access(path, F_OK), 0);
+    EXPECT_EQ(kfmt_readTreeFile(readBack, kfmt_format_detect, path, nullptr, nullptr, &report), kfmt_result_io);
+    EXPECT_EQ(report.offset, -1);
+    EXPECT_EQ(kfmt_writeTreeFile(tree, kfmt_format_json, "/nonexistent-dir/x.json", nullptr, nullptr, &report),
+              kfmt_result_io);
 }
 
 }  // namespace

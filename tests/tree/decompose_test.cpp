@@ -1,215 +1,165 @@
 // Decomposition: what each kind of value becomes, object identity (ids on
 // first meeting, reference leaves after, objects held by value expanded
-// again, array items without ids, cycles), one bag at a time, deep graphs,
-// and failures part-way.
-#include <memory>
-#include <vector>
+// again, array items without ids, cycles), and failures part-way. (Deep
+// graphs: the long chain of the round-trip tests.)
+#include "tree/roundtrip_model.hpp"
 
-#include "tree/tree_fixtures.hpp"
-
-namespace vexpers::test::tree {
+namespace vexpers::test::rt {
 namespace {
 
-using Node = kstd_persistentPropertyNode;
+using TreeNode = kstd_persistentPropertyNode;
+constexpr uint32_t referenceFlags = 0x80088u;
+
+// The node at `path` (names of children, from `node`), or null.
+const TreeNode* at(const TreeNode* node, std::initializer_list<const char16_t*> path) {
+    for (const char16_t* name : path) {
+        const TreeNode* found = nullptr;
+        if (node == nullptr || kstd_persistentPropertyNode_getMatchingChildConst(node, name, 1, &found) < 0)
+            return nullptr;
+        node = found;
+    }
+    return node;
+}
+
+int childCount(const TreeNode* node) {
+    int count = 0;
+    for (const TreeNode* c = node->firstChild; c != nullptr; c = c->nextSibling) ++count;
+    return count;
+}
 
 class DecomposeTest : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() { start(); }
+    static void SetUpTestSuite() { types(); }
+    DecomposeTest() {
+        newNode(a);
+        newNode(b);
+    }
+    ~DecomposeTest() override {
+        kstd_persistentPropertyTree_reset(tree);
+        unlinkNode(nodeOf(a.v));
+        unlinkNode(nodeOf(b.v));
+    }
 
-    // Decomposes `item` held through a pointer property "root".
-    const Node* decompose(Item* item) {
+    // Decomposes `object` of `type` held by a property "root".
+    const TreeNode* decompose(const kstd_persistentType* type, void* object) {
         Property property;
-        pointTo(property, u"root", item);
-        EXPECT_EQ(kstd_persistentPropertyTree_resetDecomposeProperty(&tree, &property), 0);
+        EXPECT_EQ(kstd_persistentProperty_resetInfoAndValueUsingType(property, type, u"root", 2, object), 0);
+        EXPECT_EQ(kstd_persistentPropertyTree_resetDecomposeProperty(tree, property), 0);
         return tree->firstChild;
     }
 
     NoLeaks leaks;
+    SharedPointer a, b;
     Tree tree;
 };
 
-uint32_t kindFlags(const Node* node) { return node->flags & 0x1FFu; }
-
-TEST_F(DecomposeTest, EachKindOfValueBecomesItsNode) {
-    Item item, partner;
-    item.number = 5;
-    item.first = &partner;
-    const int32_t values[]{1, 2, 3};
-    kstd_vector32s_assignElements(&item.values, values, values + 3);
-    const Node* root = decompose(&item);
+TEST_F(DecomposeTest, EachKindOfValueBecomesItsNodeWithIdsInDepthFirstOrder) {
+    Node& na = *nodeOf(a.v);
+    kstd_ptrh_assign(&na.next, b);
+    kstd_ptrh_assign(&na.other, b);
+    for (uint32_t value : {1u, 2u, 3u}) kstd_vector32_pushBack(&na.v32, value);
+    na.items.count = 2;
+    const TreeNode* root = decompose(types().nodePointer, &na);
     ASSERT_NE(root, nullptr);
     EXPECT_EQ(root->flags, 0x5C0004u);  // compound, value, id, info, decomposed
-    EXPECT_EQ(root->objectId, 0);
-    ASSERT_EQ(childCount(root), itemProperties);
-
-    EXPECT_EQ(kindFlags(child(root, u"number")), 0x18u);
-    EXPECT_EQ(kindFlags(child(root, u"second")), 0x28u);    // null pointer
-    EXPECT_EQ(kindFlags(child(root, u"embedded")), 0x28u);  // an object value without an object
-    EXPECT_EQ(kindFlags(child(child(root, u"link"), u"ptr")), 0x28u);  // an empty shared pointer
-    const Node* values_ = child(root, u"values");
-    EXPECT_EQ(kindFlags(values_), 0x1u);  // terminal: the whole array is the value, no children
-    EXPECT_EQ(values_->numItems, 3);
-    EXPECT_EQ(values_->firstChild, nullptr);
+    const struct {
+        std::initializer_list<const char16_t*> path;
+        uint32_t kind;
+        int64_t id;
+        int children;
+    } cases[]{
+        {{u"i32"}, 0x18, -1, 0},
+        {{u"name"}, 0x18, -1, 0},
+        {{u"color"}, 0x4, -1, 1},  // an enum: its value is the child "value"
+        {{u"color", u"value"}, 0x18, -1, 0},
+        {{u"next"}, 0x4, -1, 1},  // a shared pointer: its child "ptr" carries the identity
+        {{u"next", u"ptr"}, 0x4, 1, -1},  // B, met first: defined
+        {{u"next", u"ptr", u"box"}, 0x4, 2, 2},  // a shareable box held by value, met first
+        {{u"next", u"ptr", u"sameBox"}, 0x4, -1, 2},  // met again by value: expanded again, no id
+        {{u"other", u"ptr"}, 0x8C, 1, 0},  // B met again: a reference (keeping the compound bit)
+        {{u"view", u"ptr"}, 0x28, -1, 0},  // an empty shared pointer
+        {{u"v32", u"items"}, 0x1, -1, 0},  // terminal: the whole array is the value
+        {{u"v32s", u"items"}, 0x49, -1, 0},  // an empty array
+        {{u"box"}, 0x4, 3, 2},
+        {{u"items"}, 0x2, -1, 0},  // object items are expanded by the walk, not here
+    };
+    for (const auto& test : cases) {
+        const TreeNode* node = at(root, test.path);
+        SCOPED_TRACE(ascii(*(test.path.end() - 1)));
+        ASSERT_NE(node, nullptr);
+        EXPECT_EQ(node->flags & 0x1FFu, test.kind);
+        EXPECT_EQ(node->objectId, test.id);
+        EXPECT_TRUE(test.children < 0 || childCount(node) == test.children);
+        EXPECT_NE(node->flags & kstd_persistentPropertyNodeFlag_decomposed, 0u);
+    }
+    EXPECT_EQ(at(root, {u"v32", u"items"})->numItems, 3);
+    EXPECT_EQ(at(root, {u"items"})->numItems, 2);
     uint32_t terminal = 0;
-    EXPECT_EQ(kstd_persistentPropertyNode_getIsTerminal(values_, &terminal), 0);
+    EXPECT_EQ(kstd_persistentPropertyNode_getIsTerminal(at(root, {u"v32", u"items"}), &terminal), 0);
     EXPECT_EQ(terminal, 1u);
-    EXPECT_EQ(kindFlags(child(child(root, u"first"), u"values")), 0x49u);  // an empty array
-
-    // A part is held by value and not shareable: compound, no id.
-    const Node* part = child(root, u"part");
-    EXPECT_EQ(kindFlags(part), 0x4u);
-    EXPECT_EQ(part->objectId, -1);
-    EXPECT_EQ(childCount(part), 1);
-    int64_t size = -1;
-    EXPECT_EQ(kstd_persistentPropertyNode_getEnumAsInt64(part, u"size", &size), 0);
-    EXPECT_EQ(size, 0);
-    // Every node of the tree is complete.
-    for (const Node* c = root->firstChild; c != nullptr; c = c->nextSibling)
-        EXPECT_NE(c->flags & kstd_persistentPropertyNodeFlag_decomposed, 0u);
-}
-
-TEST_F(DecomposeTest, SharedObjectMetTwiceIsDefinedOnceThenReferenced) {
-    Item item, shared;
-    item.first = &shared;
-    item.second = &shared;
-    shared.number = 8;
-    const Node* root = decompose(&item);
-    const Node* first = child(root, u"first");
-    const Node* second = child(root, u"second");
-    EXPECT_EQ(first->flags & reference, 0x80000u);
-    EXPECT_EQ(first->objectId, 1);
-    EXPECT_EQ(childCount(first), itemProperties);
-    EXPECT_EQ(second->flags & reference, reference);
-    EXPECT_EQ(second->objectId, 1);
-    EXPECT_EQ(second->firstChild, nullptr);
-    EXPECT_NE(second->flags & kstd_persistentPropertyNodeFlag_decomposed, 0u);
-
     Variant recorded;
-    ASSERT_EQ(kstd_persistentPropertyTree_getObjectById(&tree, 1, &recorded), 0);
-    EXPECT_EQ(recorded->value.pointer, &shared);
-    EXPECT_EQ(tree->objectPointers.base.size, 2);
+    ASSERT_EQ(kstd_persistentPropertyTree_getObjectById(tree, 1, recorded), 0);
+    EXPECT_EQ(recorded->value.pointer, nodeOf(b.v));
+    EXPECT_EQ(tree->objectPointers.base.size, 4);
 }
 
-TEST_F(DecomposeTest, ObjectHeldByValueIsExpandedAgainWithoutId) {
-    Item item, other;
-    item.first = &other;
-    item.embedded = &other;
-    other.number = 3;
-    const Node* root = decompose(&item);
-    const Node* first = child(root, u"first");
-    const Node* embedded = child(root, u"embedded");
-    EXPECT_EQ(first->objectId, 1);
-    EXPECT_EQ(embedded->flags & reference, 0u);
-    EXPECT_EQ(embedded->objectId, -1);
-    EXPECT_EQ(childCount(embedded), itemProperties);
-
-    // Met first by value, the object is its definition and gets the id;
-    // a pointer to it afterwards is a reference.
-    other.first = &other;
-    Property property;
-    holdByValue(property, u"root", &other);
-    ASSERT_EQ(kstd_persistentPropertyTree_resetDecomposeProperty(&tree, &property), 0);
-    root = tree->firstChild;
+TEST_F(DecomposeTest, ObjectMetFirstByValueIsTheDefinitionAndCyclesEndAtReferences) {
+    // A held by value, B.next back at A, B.other at itself.
+    kstd_ptrh_assign(&nodeOf(a.v)->next, b);
+    kstd_ptrh_assign(&nodeOf(b.v)->next, a);
+    kstd_ptrh_assign(&nodeOf(b.v)->other, b);
+    int32_t before = -1, after = -1;
+    kstd_shared_getReferenceCount(a->shared, &before);
+    const TreeNode* root = decompose(types().node, nodeOf(a.v));
     EXPECT_EQ(root->objectId, 0);
-    EXPECT_EQ(root->flags & reference, 0x80000u);
-    EXPECT_EQ(child(root, u"first")->flags & reference, reference);
+    EXPECT_EQ(root->flags & referenceFlags, 0x80000u);
+    EXPECT_EQ(at(root, {u"next", u"ptr"})->objectId, 1);
+    for (const char16_t* pointer : {u"next", u"other"}) {
+        const TreeNode* back = at(root, {u"next", u"ptr", pointer, u"ptr"});
+        EXPECT_EQ(back->flags & referenceFlags, referenceFlags);
+        EXPECT_EQ(back->firstChild, nullptr);
+    }
+    EXPECT_EQ(at(root, {u"next", u"ptr", u"next", u"ptr"})->objectId, 0);
+    EXPECT_EQ(at(root, {u"next", u"ptr", u"other", u"ptr"})->objectId, 1);
+    // The tree's shares of the objects go with its nodes and registry; the
+    // bags it decomposed through keep none.
+    ASSERT_EQ(kstd_persistentPropertyTree_reset(tree), 0);
+    kstd_shared_getReferenceCount(a->shared, &after);
+    EXPECT_EQ(after, before);
 }
 
 TEST_F(DecomposeTest, ArrayItemsNeverGetIds) {
-    Item item;
-    Node* node = nullptr;
-    ASSERT_EQ(kstd_persistentPropertyTree_allocNextChild(&tree, &node), 0);
+    Box box{1, 2};
+    TreeNode* node = nullptr;
+    ASSERT_EQ(kstd_persistentPropertyTree_allocNextChild(tree, &node), 0);
     Property property;
-    pointTo(property, u"item", &item);
-    ASSERT_EQ(kstd_persistentPropertyNode_resetDecomposeProperty(node, &property, 1), 0);
-    EXPECT_EQ(node->flags & (reference | kstd_persistentPropertyNodeFlag_arrayItem), 0x100u);
+    ASSERT_EQ(kstd_persistentProperty_resetInfoAndValueUsingType(property, types().boxPointer, u"root", 2, &box), 0);
+    ASSERT_EQ(kstd_persistentPropertyNode_resetDecomposeProperty(node, property, 1), 0);
+    EXPECT_EQ(node->flags & (referenceFlags | kstd_persistentPropertyNodeFlag_arrayItem), 0x100u);
     EXPECT_EQ(node->objectId, -1);
-    EXPECT_EQ(childCount(node), itemProperties);
+    EXPECT_EQ(childCount(node), 2);
     EXPECT_EQ(tree->objectPointers.base.size, 0);
     // Decomposing again replaces the subtree; ids continue from the registry.
-    ASSERT_EQ(kstd_persistentPropertyNode_resetDecomposeProperty(node, &property, 0), 0);
+    ASSERT_EQ(kstd_persistentPropertyNode_resetDecomposeProperty(node, property, 0), 0);
     EXPECT_EQ(node->objectId, 0);
-    ASSERT_EQ(kstd_persistentPropertyNode_resetDecomposeProperty(node, &property, 0), 0);
-    EXPECT_EQ(node->flags & reference, reference);
-    EXPECT_EQ(liveNodes(&tree), 1);
+    ASSERT_EQ(kstd_persistentPropertyNode_resetDecomposeProperty(node, property, 0), 0);
+    EXPECT_EQ(node->flags & referenceFlags, referenceFlags);
+    EXPECT_EQ(node->firstChild, nullptr);
 }
 
-TEST_F(DecomposeTest, CycleThroughSharedPointersEndsAtAReferenceLeaf) {
-    Item a, b;
-    ASSERT_EQ(kstd_ptrh_assignShared(&a.link, &b.header), 0);
-    ASSERT_EQ(kstd_ptrh_assignShared(&b.link, &a.header), 0);
-    b.second = &b;
-    const Node* root = decompose(&a);
-    // A shared pointer is a compound whose one child "ptr" carries the identity.
-    const Node* link = child(root, u"link");
-    EXPECT_EQ(kindFlags(link), 0x4u);
-    EXPECT_EQ(link->objectId, -1);
-    ASSERT_EQ(childCount(link), 1);
-    const Node* nodeB = child(link, u"ptr");
-    EXPECT_EQ(nodeB->objectId, 1);
-    EXPECT_EQ(nodeB->flags & reference, 0x80000u);
-    const Node* backToA = child(child(nodeB, u"link"), u"ptr");
-    EXPECT_EQ(backToA->flags & reference, reference);
-    EXPECT_EQ(backToA->objectId, 0);
-    EXPECT_EQ(child(nodeB, u"second")->objectId, 1);
-    EXPECT_EQ(child(nodeB, u"second")->flags & reference, reference);
-    // The tree's shares of the objects go with its nodes and registry; the
-    // bags it decomposed through keep none.
-    ASSERT_EQ(kstd_persistentPropertyTree_reset(&tree), 0);
-    int32_t count = -1;
-    kstd_shared_getReferenceCount(&a.header, &count);
-    EXPECT_EQ(count, 1);  // b's link
-    kstd_ptrh_reset(&a.link);
-    kstd_ptrh_reset(&b.link);
-    kstd_shared_getReferenceCount(&a.header, &count);
-    EXPECT_EQ(count, 0);
-}
-
-TEST_F(DecomposeTest, LongChainsDecomposeAndFreeWithOneBag) {
-    constexpr int count = 100000;
-    std::vector<std::unique_ptr<Item>> items;
-    for (int i = 0; i < count; ++i) items.push_back(std::make_unique<Item>());
-    for (int i = 0; i + 1 < count; ++i) {
-        items[i]->first = items[i + 1].get();
-        items[i]->number = i;
-    }
-    items.back()->first = items.front().get();  // closes the ring
-    const Node* node = decompose(items.front().get());
-    for (int i = 0; i < count; ++i) {
-        ASSERT_EQ(node->objectId, i);
-        node = child(node, u"first");
-    }
-    EXPECT_EQ(node->flags & reference, reference);
-    EXPECT_EQ(node->objectId, 0);
-    EXPECT_EQ(tree->bagSet.numBags, 1);
-    EXPECT_EQ(liveNodes(&tree), int64_t{count} * 10 + 1);
-    ASSERT_EQ(kstd_persistentPropertyTree_reset(&tree), 0);
-    EXPECT_EQ(liveNodes(&tree), 0);
-    EXPECT_EQ(tree->objectPointers.base.size, 0);
-}
-
-TEST_F(DecomposeTest, FailuresLeaveTheNodesBuiltSoFar) {
-    AssertRecorder faults;
-    // A node cap reached part-way: the nodes made stay, not decomposed.
-    Item item, other;
-    item.first = &other;
-    tree->nodeAllocator.maxBlocks = 10;
+// (Allocation failures: the sweep over the whole round trip.)
+TEST_F(DecomposeTest, NodeCapReachedPartWayLeavesTheNodesBuiltSoFar) {
+    kstd_ptrh_assign(&nodeOf(a.v)->next, b);
     Property property;
-    pointTo(property, u"root", &item);
-    EXPECT_EQ(kstd_persistentPropertyTree_resetDecomposeProperty(&tree, &property), ksys_result_outOfMemory);
-    EXPECT_EQ(liveNodes(&tree), 10);
-    EXPECT_EQ(childCount(tree->firstChild), itemProperties);
+    ASSERT_EQ(kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(property, u"root", 2, a), 0);
+    tree->nodeAllocator.maxBlocks = 40;
+    EXPECT_EQ(kstd_persistentPropertyTree_resetDecomposeProperty(tree, property), ksys_result_outOfMemory);
+    int64_t live = -1;
+    kstd_blockAllocator_getLiveCount(&tree->nodeAllocator, &live);
+    EXPECT_EQ(live, 40);
     EXPECT_EQ(tree->firstChild->flags & kstd_persistentPropertyNodeFlag_decomposed, 0u);
     EXPECT_EQ(tree->bagSet.isAvailable[0], 1);  // the bag went back
-    tree->nodeAllocator.maxBlocks = kstd_persistentPropertyTree_maxNodes;
-    EXPECT_EQ(faults.count(), 0);
-
-    // Every allocation that fails is reported and leaks nothing.
-    sweepAllocationFailures([&] {
-        Tree local;
-        return kstd_persistentPropertyTree_resetDecomposeProperty(&local, &property);
-    });
 }
 
 }  // namespace
-}  // namespace vexpers::test::tree
+}  // namespace vexpers::test::rt

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <initializer_list>
 #include <iterator>
+#include <limits>
 #include <utility>
 
 namespace vexpers::test::rt {
@@ -40,132 +41,163 @@ kstd_persistentPropertyAccessors member(kstd_result (*registration)() = nullptr)
     return accessors({{4, word(addressAt<Offset>)}, {8, word(loadAt<Offset>)}, {10, word(registration)}});
 }
 
-kstd_result notOffered(void*, const void*) { return kstd_persistentResult_notSupported; }
-kstd_result notOffered(void*) { return kstd_persistentResult_notSupported; }
-kstd_result notOfferedClone(void**, const void*) { return kstd_persistentResult_notSupported; }
+// ---- Object life cycles: construct and destruct per type, the rest from templates ----------
 
-// ---- The vectors of Node, in one list ----------------------------------------------------
+template <class T>
+constexpr const char16_t* nameOf = nullptr;
+template <>
+constexpr const char16_t* nameOf<Node> = u"RtNode";
+template <>
+constexpr const char16_t* nameOf<Link> = u"RtLink";
 
-#define RT_SCALAR_VECTORS(X)            \
-    X(v8s, kstd_vector8s, int8_t)       \
-    X(v8, kstd_vector8, uint8_t)        \
-    X(v16s, kstd_vector16s, int16_t)    \
-    X(v16, kstd_vector16, uint16_t)     \
-    X(v32s, kstd_vector32s, int32_t)    \
-    X(v32, kstd_vector32, uint32_t)     \
-    X(v64s, kstd_vector64s, int64_t)    \
-    X(v64, kstd_vector64, uint64_t)     \
-    X(vps, kstd_vectorIntPtrs, intptr_t) \
-    X(vp, kstd_vectorIntPtr, uintptr_t) \
-    X(vf, kstd_vectorf, float)          \
-    X(vd, kstd_vectord, double)         \
-    X(vb, kstd_vectorb, int32_t)
-
-// ---- Node ------------------------------------------------------------------------------
-
-kstd_result nodeDelete(void** object);
-
-kstd_result destroySharedNode(kstd_shared* shared) {
+template <class T>
+kstd_result deleteObject(void** object);
+template <class T>
+kstd_result destroyShared(kstd_shared* shared) {
     void* whole = shared->whole;
-    return nodeDelete(&whole);
+    return deleteObject<T>(&whole);
 }
-constexpr kstd_sharedCustom nodeCounting{destroySharedNode, nullptr, nullptr};
-kstd_result nodeSharedName(const kstd_shared*, const char16_t** name) {
-    *name = u"RtNode";
+template <class T>
+kstd_result sharedName(const kstd_shared*, const char16_t** name) {
+    *name = nameOf<T>;
     return 0;
 }
+template <class T>
+kstd_result objectName(const void*, const char16_t** name) {
+    *name = nameOf<T>;
+    return 0;
+}
+template <class T>
+kstd_result sharedHeader(void* object, const char16_t* name, void** result) {
+    *result = std::u16string(name) == u"kstd_shared" ? &static_cast<T*>(object)->header : nullptr;
+    return 0;
+}
+template <class T>
+constexpr kstd_sharedCustom counting{destroyShared<T>, nullptr, nullptr};
 // Shared pointers name their pointee's type by the shared object's name.
-constexpr kstd_sharedTyped nodeTyped{kstd_shared_queryInterfaceByTypenameFinal, nodeSharedName};
+template <class T>
+constexpr kstd_sharedTyped typed{kstd_shared_queryInterfaceByTypenameFinal, sharedName<T>};
+template <class T>
+constexpr kstd_typeDescriptorMinimalVtable minimal{sharedHeader<T>, objectName<T>};
 
-kstd_result nodeSize(uint32_t* size) {
-    *size = sizeof(Node);
-    return 0;
-}
-
-kstd_result nodeConstruct(void* object) {
-    auto* node = static_cast<Node*>(object);
+kstd_result construct(Node* node) {
     std::memset(node, 0, sizeof(Node));
     void* items = nullptr;
     RT_TRY(ksys_memory_alloc_internal(4 * sizeof(Item), &items));
-    node->items.items = static_cast<Item*>(items);
     std::memset(items, 0, 4 * sizeof(Item));
-    RT_TRY(kstd_shared_initCustomTyped(&node->header, node, &nodeCounting, &nodeTyped));
+    node->items.items = static_cast<Item*>(items);
+    RT_TRY(kstd_shared_initCustomTyped(&node->header, node, &counting<Node>, &typed<Node>));
     RT_TRY(kstd_unicodeString_construct(&node->name));
 #define RT_CONSTRUCT(field, vector, element) RT_TRY(vector##_construct(&node->field));
     RT_SCALAR_VECTORS(RT_CONSTRUCT)
 #undef RT_CONSTRUCT
     RT_TRY(kstd_vector_kstd_unicodeString_construct(&node->vstr));
     // An empty pointer still names the type it points at.
-    RT_TRY(kstd_ptrh_constructBaseTypename(&node->next, nullptr, u"RtNode"));
-    RT_TRY(kstd_ptrh_constructBaseTypename(&node->other, nullptr, u"RtNode"));
+    for (kstd_ptrh* p : {&node->next, &node->other, &node->items.items[0].link, &node->items.items[1].link,
+                         &node->items.items[2].link, &node->items.items[3].link})
+        RT_TRY(kstd_ptrh_constructBaseTypename(p, nullptr, u"RtNode"));
     RT_TRY(kstd_ptrhConst_constructBaseTypename(&node->view, nullptr, u"RtNode"));
-    for (int i = 0; i < 4; ++i) RT_TRY(kstd_ptrh_constructBaseTypename(&node->items.items[i].link, nullptr, u"RtNode"));
     ++live;
     return 0;
 }
 
-kstd_result nodeDestruct(void* object) {
-    auto* node = static_cast<Node*>(object);
+kstd_result destruct(Node* node) {
     kstd_unicodeString_destruct(&node->name);
 #define RT_DESTRUCT(field, vector, element) vector##_destruct(&node->field);
     RT_SCALAR_VECTORS(RT_DESTRUCT)
 #undef RT_DESTRUCT
     kstd_vector_kstd_unicodeString_destruct(&node->vstr);
-    kstd_ptrh_destruct(&node->next);
-    kstd_ptrh_destruct(&node->other);
+    for (kstd_ptrh* p : {&node->next, &node->other, &node->items.items[0].link, &node->items.items[1].link,
+                         &node->items.items[2].link, &node->items.items[3].link})
+        kstd_ptrh_destruct(p);
     kstd_ptrhConst_destruct(&node->view);
-    for (int i = 0; i < 4; ++i) kstd_ptrh_destruct(&node->items.items[i].link);
     void* items = node->items.items;
-    ksys_memory_free_internal(&items);
     --live;
+    return ksys_memory_free_internal(&items);
+}
+
+kstd_result construct(Link* link) {
+    std::memset(link, 0, sizeof(Link));
+    RT_TRY(kstd_shared_initCustomTyped(&link->header, link, &counting<Link>, &typed<Link>));
+    ++live;
+    return kstd_ptrh_constructBaseTypename(&link->next, nullptr, u"RtLink");
+}
+kstd_result destruct(Link* link) {
+    --live;
+    return kstd_ptrh_destruct(&link->next);
+}
+
+kstd_result construct(Item* item) {
+    item->weight = 0;
+    return kstd_ptrh_constructBaseTypename(&item->link, nullptr, u"RtNode");
+}
+kstd_result destruct(Item* item) { return kstd_ptrh_destruct(&item->link); }
+
+// Boxes and counters are plain data.
+template <class T>
+kstd_result construct(T* object) {
+    std::memset(object, 0, sizeof(T));
     return 0;
 }
-
-kstd_result nodeNew(void** object) {
-    if (*object != nullptr) RT_TRY(nodeDelete(object));
-    void* memory = nullptr;
-    RT_TRY(ksys_memory_alloc_internal(sizeof(Node), &memory));
-    if (kstd_result result = nodeConstruct(memory); result < 0) {
-        ksys_memory_free_internal(&memory);
-        return result;
-    }
-    *object = memory;
+template <class T>
+kstd_result destruct(T*) {
     return 0;
 }
-
-kstd_result nodeDelete(void** object) {
-    if (*object == nullptr) return 0;
-    RT_TRY(nodeDestruct(*object));
-    return ksys_memory_free_internal(object);
-}
-
-constexpr kstd_persistentObjectVtable nodeObjects{nodeSize,   nodeConstruct, notOffered, notOffered, nodeDestruct,
-                                                  notOffered, nodeNew,       notOfferedClone, nodeDelete};
 
 template <class T>
-kstd_result sharedHeader(void* object, const char16_t* name, void** result) {
-    *result = nullptr;
-    if (std::u16string(name) == u"kstd_shared") *result = &static_cast<T*>(object)->header;
+kstd_result sizeOf(uint32_t* size) {
+    *size = sizeof(T);
     return 0;
 }
-kstd_result nodeTypename(const void*, const char16_t** name) {
-    *name = u"RtNode";
-    return 0;
+template <class T>
+kstd_result constructAt(void* object) {
+    return construct(static_cast<T*>(object));
 }
-constexpr kstd_typeDescriptorMinimalVtable nodeMinimal{sharedHeader<Node>, nodeTypename};
+template <class T>
+kstd_result destructAt(void* object) {
+    return destruct(static_cast<T*>(object));
+}
+template <class T>
+kstd_result deleteObject(void** object) {
+    if (*object == nullptr) return 0;
+    RT_TRY(destruct(static_cast<T*>(*object)));
+    return ksys_memory_free_internal(object);
+}
+template <class T>
+kstd_result newObject(void** object) {
+    RT_TRY(deleteObject<T>(object));
+    RT_TRY(ksys_memory_alloc_internal(sizeof(T), object));
+    const kstd_result result = construct(static_cast<T*>(*object));
+    if (result < 0) ksys_memory_free_internal(object);
+    return result;
+}
+kstd_result notOffered(void*, const void*) { return kstd_persistentResult_notSupported; }
+kstd_result notOffered(void*) { return kstd_persistentResult_notSupported; }
+kstd_result notOfferedClone(void**, const void*) { return kstd_persistentResult_notSupported; }
+template <class T>
+constexpr kstd_persistentObjectVtable objects{sizeOf<T>,   constructAt<T>, notOffered,      notOffered, destructAt<T>,
+                                              notOffered,  newObject<T>,   notOfferedClone, deleteObject<T>};
 
-const Node& nodeAt(const void* object) { return *static_cast<const Node*>(object); }
+template <class T>
+void newShared(kstd_ptrh* pointer) {
+    void* object = nullptr;
+    ASSERT_EQ(newObject<T>(&object), 0);
+    ASSERT_EQ(kstd_ptrh_assignShared(pointer, &static_cast<T*>(object)->header), 0);
+}
+
+// ---- Accessors that are not members by address --------------------------------------------
+
 kstd_result colorValue(const void* object, int64_t* value) {
-    *value = nodeAt(object).color;
+    *value = static_cast<const Node*>(object)->color;
     return 0;
 }
 kstd_result bitsValue(const void* object, uint64_t* value) {
-    *value = nodeAt(object).bits;
+    *value = static_cast<const Node*>(object)->bits;
     return 0;
 }
 
-// ---- Items: a container of object items inside Node --------------------------------------
-
+// The container of object items inside Node, and its load entry: one item
+// from each child of the array's node.
 kstd_result listResize(void* container, int64_t count) {
     if (count < 0 || count > 4) return kstd_persistentResult_invalidCount;
     static_cast<ItemList*>(container)->count = static_cast<intptr_t>(count);
@@ -189,14 +221,11 @@ kstd_result itemNext(void*, void** element) {
     return 0;
 }
 constexpr kstd_persistentContainerVtable listTable{listResize, listSize, listBegin, itemLayout, itemNext, nullptr};
-
 kstd_result locateItems(void* object, void** first, void** second) {
     *first = &static_cast<Node*>(object)->items;
     *second = const_cast<kstd_persistentContainerVtable*>(&listTable);
     return 0;
 }
-
-// Loads the items from the children of the array's node, one item each.
 kstd_result loadItems(void*, void* first, void*, const kstd_persistentType* arrayType,
                       const kstd_persistentPropertyNode* node) {
     auto* list = static_cast<ItemList*>(first);
@@ -204,146 +233,23 @@ kstd_result loadItems(void*, void* first, void*, const kstd_persistentType* arra
     for (const kstd_persistentPropertyNode* child = node->firstChild; child != nullptr; child = child->nextSibling)
         ++count;
     RT_TRY(listResize(list, count));
-    kstd_persistentType itemType;
-    kstd_persistentType_construct(&itemType);
-    kstd_result result = kstd_persistentType_assignDifferentDerivation(&itemType, arrayType, 0);
-    int index = 0;
-    for (const kstd_persistentPropertyNode* child = node->firstChild; child != nullptr && result >= 0;
-         child = child->nextSibling)
-        result = kstd_persistentType_loadPropertyNode(&itemType, &list->items[index++], child);
-    kstd_persistentType_destruct(&itemType);
-    return result;
-}
-
-// ---- Item, Box, Plain, Link -------------------------------------------------------------
-
-template <class T>
-kstd_result sizeOf(uint32_t* size) {
-    *size = sizeof(T);
+    Type itemType;
+    RT_TRY(kstd_persistentType_assignDifferentDerivation(itemType, arrayType, 0));
+    Item* item = list->items;
+    for (const kstd_persistentPropertyNode* child = node->firstChild; child != nullptr; child = child->nextSibling)
+        RT_TRY(kstd_persistentType_loadPropertyNode(itemType, item++, child));
     return 0;
 }
-template <class T>
-kstd_result zero(void* object) {
-    std::memset(object, 0, sizeof(T));
-    return 0;
-}
-template <class T>
-kstd_result copy(void* object, const void* source) {
-    std::memcpy(object, source, sizeof(T));
-    return 0;
-}
-kstd_result nothing(void*) { return 0; }
-template <class T>
-kstd_result make(void** object) {
-    if (*object != nullptr) ksys_memory_free_internal(object);
-    RT_TRY(ksys_memory_alloc_internal(sizeof(T), object));
-    return zero<T>(*object);
-}
-kstd_result unmake(void** object) { return ksys_memory_free_internal(object); }
-
-template <class T>
-constexpr kstd_persistentObjectVtable plainObjects{sizeOf<T>, zero<T>, copy<T>, copy<T>,         nothing,
-                                                   zero<T>,   make<T>, notOfferedClone, unmake};
-
-kstd_result itemConstruct(void* object) {
-    zero<Item>(object);
-    return kstd_ptrh_constructBaseTypename(&static_cast<Item*>(object)->link, nullptr, u"RtNode");
-}
-kstd_result itemDestruct(void* object) { return kstd_ptrh_destruct(&static_cast<Item*>(object)->link); }
-kstd_result itemDelete(void** object) {
-    if (*object == nullptr) return 0;
-    RT_TRY(itemDestruct(*object));
-    return ksys_memory_free_internal(object);
-}
-kstd_result itemNew(void** object) {
-    RT_TRY(itemDelete(object));
-    RT_TRY(ksys_memory_alloc_internal(sizeof(Item), object));
-    return itemConstruct(*object);
-}
-constexpr kstd_persistentObjectVtable itemObjects{sizeOf<Item>, itemConstruct, notOffered,      notOffered, itemDestruct,
-                                                  notOffered,   itemNew,       notOfferedClone, itemDelete};
-
-kstd_result linkDelete(void** object);
-kstd_result destroySharedLink(kstd_shared* shared) {
-    void* whole = shared->whole;
-    return linkDelete(&whole);
-}
-constexpr kstd_sharedCustom linkCounting{destroySharedLink, nullptr, nullptr};
-kstd_result linkSharedName(const kstd_shared*, const char16_t** name) {
-    *name = u"RtLink";
-    return 0;
-}
-constexpr kstd_sharedTyped linkTyped{kstd_shared_queryInterfaceByTypenameFinal, linkSharedName};
-kstd_result linkConstruct(void* object) {
-    auto* link = static_cast<Link*>(object);
-    std::memset(link, 0, sizeof(Link));
-    RT_TRY(kstd_shared_initCustomTyped(&link->header, link, &linkCounting, &linkTyped));
-    RT_TRY(kstd_ptrh_constructBaseTypename(&link->next, nullptr, u"RtLink"));
-    ++live;
-    return 0;
-}
-// Releases the chain behind a link without recursion: each following link
-// that only this chain holds gives up its own next before it is dropped, so a
-// chain of any length is freed on a flat stack.
-kstd_result linkDestruct(void* object) {
-    kstd_ptrh rest;
-    kstd_ptrh_constructEmpty(&rest);
-    kstd_ptrh_assign(&rest, &static_cast<Link*>(object)->next);
-    kstd_ptrh_destruct(&static_cast<Link*>(object)->next);
-    int32_t holders = 0;
-    while (rest.shared != nullptr && kstd_shared_getReferenceCount(rest.shared, &holders) == 0 && holders == 1) {
-        Link* next = static_cast<Link*>(rest.shared->whole);
-        kstd_ptrh following;
-        kstd_ptrh_constructEmpty(&following);
-        kstd_ptrh_assign(&following, &next->next);
-        kstd_ptrh_reset(&next->next);
-        kstd_ptrh_assign(&rest, &following);
-        kstd_ptrh_destruct(&following);
-    }
-    kstd_ptrh_destruct(&rest);
-    --live;
-    return 0;
-}
-kstd_result linkNew(void** object) {
-    if (*object != nullptr) RT_TRY(linkDelete(object));
-    void* memory = nullptr;
-    RT_TRY(ksys_memory_alloc_internal(sizeof(Link), &memory));
-    if (kstd_result result = linkConstruct(memory); result < 0) {
-        ksys_memory_free_internal(&memory);
-        return result;
-    }
-    *object = memory;
-    return 0;
-}
-kstd_result linkDelete(void** object) {
-    if (*object == nullptr) return 0;
-    RT_TRY(linkDestruct(*object));
-    return ksys_memory_free_internal(object);
-}
-constexpr kstd_persistentObjectVtable linkObjects{sizeOf<Link>, linkConstruct, notOffered,      notOffered, linkDestruct,
-                                                  notOffered,   linkNew,       notOfferedClone, linkDelete};
-kstd_result linkTypename(const void*, const char16_t** name) {
-    *name = u"RtLink";
-    return 0;
-}
-constexpr kstd_typeDescriptorMinimalVtable linkMinimal{sharedHeader<Link>, linkTypename};
-
-constexpr kstd_persistentValueAccessVtable emptyAccess{};
 
 kstd_result counterLoad(void* object, const kstd_persistentPropertyNode* node) {
     auto* counter = static_cast<Counter*>(object);
     RT_TRY(kstd_persistentPropertyNode_getEnumAsInt64(node, u"count", &counter->count));
     const kstd_persistentPropertyNode* box = nullptr;
     RT_TRY(kstd_persistentPropertyNode_getMatchingChildConst(node, u"box", 1, &box));
-    kstd_persistentType boxType;
-    kstd_persistentType_construct(&boxType);
-    kstd_result result = kstd_persistentTypeGetType(u"RtBox", 0, 1, &boxType);
-    if (result >= 0) result = kstd_persistentType_loadPropertyNode(&boxType, &counter->box, box);
-    kstd_persistentType_destruct(&boxType);
-    return result;
+    Type boxType;
+    RT_TRY(kstd_persistentTypeGetType(u"RtBox", 0, 1, boxType));
+    return kstd_persistentType_loadPropertyNode(boxType, &counter->box, box);
 }
-constexpr kstd_persistentValueAccessVtable counterAccess{nullptr, nullptr, nullptr, nullptr,    nullptr,
-                                                         nullptr, nullptr, nullptr, counterLoad};
 
 std::vector<AfterLoad> afterLoads;
 kstd_result linkLoaded(void* object) {
@@ -351,14 +257,18 @@ kstd_result linkLoaded(void* object) {
     afterLoads.push_back(AfterLoad{link->value, link->next.shared != nullptr});
     return 0;
 }
+
+constexpr kstd_persistentValueAccessVtable emptyAccess{};
+constexpr kstd_persistentValueAccessVtable counterAccess{nullptr, nullptr, nullptr, nullptr,    nullptr,
+                                                         nullptr, nullptr, nullptr, counterLoad};
 constexpr kstd_persistentValueAccessVtable linkAccess{nullptr, nullptr, nullptr, nullptr,   nullptr,
                                                       nullptr, nullptr, linkLoaded, nullptr};
 
 // ---- Declared properties ----------------------------------------------------------------
 
 struct Registered {
-    uint32_t colorFlag, colorBitsFlag, boxFlag, itemFlag, plainFlag, linkFlag, nodeFlag, counterFlag, bareFlag;
-    kstd_persistentType color, colorBits, box, item, plain, link, node, ptrh, counter, bare;
+    uint32_t colorFlag, colorBitsFlag, boxFlag, itemFlag, linkFlag, nodeFlag, counterFlag, bareFlag;
+    kstd_persistentType color, colorBits, box, boxPointer, item, link, node, nodePointer, ptrh, counter, bare;
 };
 Registered registered{};
 
@@ -382,10 +292,6 @@ const kstd_persistentPropertyInfoDefinition itemDefinitions[]{
     {u"weight", 2, u"k_Int32", 0, member<offsetof(Item, weight)>()},
     {u"link", 2, u"kstd_ptrh", 0, member<offsetof(Item, link)>()}};
 const kstd_persistentStaticPropertyList itemProperties{itemDefinitions, std::size(itemDefinitions)};
-
-const kstd_persistentPropertyInfoDefinition plainDefinitions[]{
-    {u"value", 2, u"k_Int32", 0, member<offsetof(Plain, value)>()}};
-const kstd_persistentStaticPropertyList plainProperties{plainDefinitions, 1};
 
 const kstd_persistentPropertyInfoDefinition linkDefinitions[]{
     {u"value", 2, u"k_Int32", 0, member<offsetof(Link, value)>()},
@@ -433,11 +339,11 @@ kstd_result registerColor() {
                                                &registered.colorBitsFlag, &registered.color, &registered.colorBits);
 }
 kstd_result registerBox() {
-    return kstd_persistentTypeRegisterTypeObject(u"RtBox", &plainObjects<Box>, &emptyAccess, &boxProperties, 1,
+    return kstd_persistentTypeRegisterTypeObject(u"RtBox", &objects<Box>, &emptyAccess, &boxProperties, 1,
                                                  &registered.boxFlag, &registered.box);
 }
 kstd_result registerItem() {
-    return kstd_persistentTypeRegisterTypeObject(u"RtItem", &itemObjects, &emptyAccess, &itemProperties, 0,
+    return kstd_persistentTypeRegisterTypeObject(u"RtItem", &objects<Item>, &emptyAccess, &itemProperties, 0,
                                                  &registered.itemFlag, &registered.item);
 }
 
@@ -445,204 +351,38 @@ Types registerModule() {
     EXPECT_EQ(registerColor(), 0);
     EXPECT_EQ(registerBox(), 0);
     EXPECT_EQ(registerItem(), 0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtPlain", &plainObjects<Plain>, &emptyAccess, &plainProperties,
-                                                    0, &registered.plainFlag, &registered.plain),
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtLink", &objects<Link>, &linkAccess, &linkProperties,
+                                                           &minimal<Link>, 0, &registered.linkFlag, &registered.link),
               0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtLink", &linkObjects, &linkAccess, &linkProperties,
-                                                           &linkMinimal, 0, &registered.linkFlag, &registered.link),
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtNode", &objects<Node>, &emptyAccess, &nodeProperties,
+                                                           &minimal<Node>, 0, &registered.nodeFlag, &registered.node),
               0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtNode", &nodeObjects, &emptyAccess, &nodeProperties,
-                                                           &nodeMinimal, 0, &registered.nodeFlag, &registered.node),
-              0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtCounter", &plainObjects<Counter>, &counterAccess, nullptr, 0,
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtCounter", &objects<Counter>, &counterAccess, nullptr, 0,
                                                     &registered.counterFlag, &registered.counter),
               0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtBare", &plainObjects<Plain>, &emptyAccess, nullptr, 0,
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtBare", &objects<Box>, &emptyAccess, nullptr, 0,
                                                     &registered.bareFlag, &registered.bare),
               0);
-    kstd_persistentType_construct(&registered.ptrh);
+    for (kstd_persistentType* type : {&registered.ptrh, &registered.nodePointer, &registered.boxPointer})
+        kstd_persistentType_construct(type);
     EXPECT_EQ(kstd_persistentTypeGetType_kstd_ptrh(&registered.ptrh, 1), 0);
-    return Types{&registered.counter, &registered.bare, &registered.node, &registered.link, &registered.plain, &registered.box,
-                 &registered.item, &registered.color, &registered.ptrh};
+    EXPECT_EQ(kstd_persistentType_assignDifferentDerivation(&registered.nodePointer, &registered.node, 1), 0);
+    EXPECT_EQ(kstd_persistentType_assignDifferentDerivation(&registered.boxPointer, &registered.box, 1), 0);
+    return Types{&registered.node,  &registered.nodePointer, &registered.link,    &registered.box, &registered.boxPointer,
+                 &registered.item,  &registered.color,       &registered.counter, &registered.bare, &registered.ptrh};
 }
 
-// ---- Storage format helpers --------------------------------------------------------------
-
-std::u16string textOf(const kstd_stringConst& text) {
-    return text.chars != nullptr ? std::u16string(text.chars, static_cast<size_t>(text.length)) : std::u16string();
-}
-
-std::u16string typeNameOf(const kstd_persistentType& type, uint32_t* derivation) {
+std::u16string typeNameOf(const kstd_persistentType& type) {
     const char16_t* name = nullptr;
     kstd_persistentType_getTypeName(&type, &name);
-    kstd_persistentType_getTypeDerivation(&type, derivation);
     return name != nullptr ? std::u16string(name) : std::u16string();
 }
 
-kstd_result scalarOf(const kstd_persistentVariant& value, Scalar* scalar) {
-    RT_TRY(kstd_persistentVariant_getTypeCategory(&value, &scalar->category));
-    switch (scalar->category) {
-        case kstd_persistentTypeCategory_int:
-            return kstd_persistentVariant_getValue_k_Int64(&value, &scalar->i);
-        case kstd_persistentTypeCategory_uint:
-            return kstd_persistentVariant_getValue_k_UInt64(&value, &scalar->u);
-        case kstd_persistentTypeCategory_bool:
-            return kstd_persistentVariant_getValue_k_Bool(&value, &scalar->b);
-        case kstd_persistentTypeCategory_float:
-            return kstd_persistentVariant_getValue_double(&value, &scalar->d);
-        case kstd_persistentTypeCategory_string: {
-            kstd_unicodeStringConst text;
-            kstd_unicodeStringConst_construct(&text);
-            kstd_result result = kstd_persistentVariant_getValue_kstd_unicodeStringConst(&value, &text);
-            const char16_t* chars = nullptr;
-            int32_t length = 0;
-            if (result >= 0) result = kstd_unicodeStringConst_getStringW(&text, &chars, &length);
-            scalar->isNull = chars == nullptr;
-            if (chars != nullptr) scalar->text.assign(chars, static_cast<size_t>(length));
-            kstd_unicodeStringConst_destruct(&text);
-            return result;
-        }
-        default:
-            return kstd_persistentResult_notSupported;
-    }
-}
-
-kstd_result variantOf(const Scalar& scalar, const kstd_persistentType* type, kstd_persistentVariant* value) {
-    switch (scalar.category) {
-        case kstd_persistentTypeCategory_int:
-            return kstd_persistentVariant_setValueUsingType_k_Int64_(value, type, scalar.i);
-        case kstd_persistentTypeCategory_uint:
-            return kstd_persistentVariant_setValueUsingType_k_UInt64_(value, type, scalar.u);
-        case kstd_persistentTypeCategory_bool:
-            return kstd_persistentVariant_setValueUsingType_k_Bool_(value, type, scalar.b);
-        case kstd_persistentTypeCategory_float:
-            return kstd_persistentVariant_setValueUsingType_double_(value, type, scalar.d);
-        case kstd_persistentTypeCategory_string: {
-            kstd_unicodeString text;
-            kstd_unicodeString_construct(&text);
-            kstd_result result = 0;
-            if (!scalar.isNull) {
-                const std::u16string terminated = scalar.text;
-                result = kstd_unicodeString_assignStringW(&text, terminated.c_str());
-            }
-            if (result >= 0) result = kstd_persistentVariant_setValue_kstd_unicodeString(value, &text);
-            kstd_unicodeString_destruct(&text);
-            return result;
-        }
-        default:
-            return kstd_persistentResult_notSupported;
-    }
-}
-
-Record recordOf(const kstd_persistentPropertyNode* node, uint32_t sectionType) {
-    Record record;
-    record.sectionType = sectionType;
-    // The whole flag word, as a section made with assignNode carries it (a
-    // reference leaf keeps the compound bit it had before it became one).
-    record.flags = node->flags;
-    record.name = textOf(node->info.name);
-    record.typeName = typeNameOf(node->info.type, &record.derivation);
-    record.access = node->info.dataAccess;
-    record.objectId = node->objectId;
-    record.numItems = node->numItems;
-    return record;
-}
-
-struct VariantBox {
-    kstd_persistentVariant v;
-    VariantBox() { kstd_persistentVariant_construct(&v); }
-    ~VariantBox() { kstd_persistentVariant_destruct(&v); }
-    VariantBox(const VariantBox&) = delete;
-    VariantBox& operator=(const VariantBox&) = delete;
-};
-
-struct SectionBox {
-    kstd_persistentPropertyNodeSection s;
-    SectionBox() { kstd_persistentPropertyNodeSection_construct(&s); }
-    ~SectionBox() { kstd_persistentPropertyNodeSection_destruct(&s); }
-    SectionBox(const SectionBox&) = delete;
-    SectionBox& operator=(const SectionBox&) = delete;
-};
-
-kstd_result writeLeaf(const kstd_persistentPropertyNode* node, bool coreArray, std::vector<Record>* records) {
-    Record record = recordOf(node, kstd_persistentPropertyNodeSectionType_leaf);
-    const kstd_persistentVariant& value = node->leafProperty.value;
-    record.valueTypeName = typeNameOf(value.type, &record.valueDerivation);
-    uint32_t isLeaf = 0, leafKind = 0;
-    RT_TRY(kstd_persistentPropertyNode_getIsLeaf(node, &isLeaf, &leafKind));
-    if (coreArray) {
-        record.value = Record::Value::items;
-        void* container = nullptr;
-        uint32_t containerValue = 0, elementSize = 0;
-        void* first = nullptr;
-        intptr_t count = 0;
-        const kstd_persistentContainerVtable* table = nullptr;
-        TypeBox itemType;
-        RT_TRY(kstd_persistentPropertyNode_getContainer(node, &container, &containerValue, &elementSize, &first,
-                                                          &count, &table, &itemType.t));
-        VariantBox item;
-        for (intptr_t i = 0; i < count; ++i) {
-            RT_TRY(kstd_persistentVariant_setValueUsingType(&item.v, &itemType.t,
-                                                              static_cast<char*>(first) + i * elementSize));
-            Scalar scalar;
-            RT_TRY(scalarOf(item.v, &scalar));
-            record.items.push_back(scalar);
-        }
-    } else if (leafKind == kstd_persistentLeafKind_coreValue) {
-        record.value = Record::Value::scalar;
-        RT_TRY(scalarOf(value, &record.scalar));
-    } else if (leafKind == kstd_persistentLeafKind_nullPointer) {
-        record.value = Record::Value::nullPointer;
-    } else if (leafKind == kstd_persistentLeafKind_emptyArray) {
-        record.value = Record::Value::emptyArray;
-    }
-    records->push_back(std::move(record));
-    return 0;
-}
-
-kstd_result sectionOf(const Record& record, kstd_persistentPropertyNodeSection* section) {
-    RT_TRY(kstd_persistentPropertyNodeSection_reset(section));
-    section->sectionType = record.sectionType;
-    if (record.sectionType == kstd_persistentPropertyNodeSectionType_end) return 0;
-    const std::u16string name = record.name;
-    const std::u16string typeName = record.typeName;
-    RT_TRY(kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(&section->info, name.c_str(),
-                                                                           typeName.c_str(), record.derivation,
-                                                                           record.access));
-    section->flags = record.flags;
-    section->objectId = record.objectId;
-    section->numItems = record.numItems;
-    switch (record.value) {
-        case Record::Value::none:
-            return 0;
-        case Record::Value::nullPointer:
-            return kstd_persistentPropertyNodeSection_setPropertyPointerNull(section);
-        case Record::Value::emptyArray:
-            return kstd_persistentPropertyNodeSection_setPropertyArrayEmpty(section);
-        case Record::Value::scalar: {
-            TypeBox type;
-            RT_TRY(kstd_persistentTypeGetType(record.valueTypeName.c_str(), record.valueDerivation, 1, &type.t));
-            VariantBox value;
-            RT_TRY(variantOf(record.scalar, &type.t, &value.v));
-            return kstd_persistentPropertyNodeSection_setLeafPropertyValue(section, &value.v);
-        }
-        case Record::Value::items: {
-            TypeBox itemType;
-            RT_TRY(kstd_persistentTypeGetType(record.valueTypeName.c_str(), 0, 1, &itemType.t));
-            void* first = nullptr;
-            uint32_t elementSize = 0;
-            RT_TRY(kstd_persistentPropertyNodeSection_setPropertyArrayAndAlloc(
-                section, static_cast<int32_t>(record.items.size()), &first, &elementSize));
-            VariantBox item;
-            for (size_t i = 0; i < record.items.size(); ++i) {
-                RT_TRY(variantOf(record.items[i], &itemType.t, &item.v));
-                RT_TRY(kstd_persistentVariant_getValueUsingType(&item.v, &itemType.t,
-                                                                  static_cast<char*>(first) + i * elementSize));
-            }
-            return 0;
-        }
-    }
-    return 0;
+std::u16string textOf(const kstd_unicodeString& text) {
+    const char16_t* chars = nullptr;
+    int32_t length = 0;
+    kstd_unicodeString_getStringW(&text, &chars, &length);
+    return chars != nullptr ? std::u16string(chars, static_cast<size_t>(length)) : std::u16string(u"(null)");
 }
 
 template <class V, class E>
@@ -653,30 +393,92 @@ std::vector<E> elementsOf(const V& vector, kstd_result (*getBeginSize)(const V*,
     return std::vector<E>(begin, begin + size);
 }
 
-std::u16string textOf(const kstd_unicodeString& text) {
-    const char16_t* chars = nullptr;
-    int32_t length = 0;
-    kstd_unicodeString_getStringW(&text, &chars, &length);
-    return chars != nullptr ? std::u16string(chars, static_cast<size_t>(length)) : std::u16string(u"(null)");
+// The section of one line.
+kstd_result sectionOf(const Line& line, kstd_persistentPropertyNodeSection* section) {
+    section->sectionType = line.sectionType;
+    if (line.sectionType == kstd_persistentPropertyNodeSectionType_end) return 0;
+    RT_TRY(kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(&section->info, line.name.c_str(),
+                                                                           line.typeName.c_str(), line.derivation, 2));
+    section->flags = line.flags;
+    section->objectId = line.objectId;
+    Type type;
+    if (line.value == Line::Value::integer || line.value == Line::Value::items)
+        RT_TRY(kstd_persistentTypeGetType(line.valueTypeName.c_str(), 0, 1, type));
+    Variant value;
+    switch (line.value) {
+        case Line::Value::none:
+            return 0;
+        case Line::Value::nullPointer:
+            return kstd_persistentPropertyNodeSection_setPropertyPointerNull(section);
+        case Line::Value::integer:
+            RT_TRY(kstd_persistentVariant_setValueUsingType_k_Int64_(value, type, line.integers.at(0)));
+            return kstd_persistentPropertyNodeSection_setLeafPropertyValue(section, value);
+        case Line::Value::items: {
+            if (line.integers.empty()) return kstd_persistentPropertyNodeSection_setPropertyArrayEmpty(section);
+            void* first = nullptr;
+            uint32_t size = 0;
+            RT_TRY(kstd_persistentPropertyNodeSection_setPropertyArrayAndAlloc(
+                section, static_cast<int32_t>(line.integers.size()), &first, &size));
+            for (size_t i = 0; i < line.integers.size(); ++i) {
+                RT_TRY(kstd_persistentVariant_setValueUsingType_k_Int64_(value, type, line.integers[i]));
+                RT_TRY(kstd_persistentVariant_getValueUsingType(value, type, static_cast<char*>(first) + i * size));
+            }
+            return 0;
+        }
+    }
+    return 0;
+}
+
+Line leaf(const char16_t* name, const char16_t* typeName, uint32_t derivation, uint32_t kind) {
+    Line s;
+    s.sectionType = kstd_persistentPropertyNodeSectionType_leaf;
+    s.flags = kstd_persistentPropertyNodeFlag_leaf | kind | kstd_persistentPropertyNodeFlag_hasInfo;
+    s.name = name;
+    s.typeName = typeName;
+    s.derivation = derivation;
+    return s;
 }
 
 }  // namespace
 
 const Types& types() {
     static const Types module = registerModule();
+    // What first uses make for good (late resolution of declared properties,
+    // lazy registrations, interned names, the variant's cache of core types)
+    // is made here by one round trip, before any leak check.
+    static const bool warm = [] {
+        Graph graph;
+        Property root;
+        Tree decomposed, rebuilt;
+        Processor processor;
+        Writer writer;
+        SharedPointer copy;
+        kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(root, u"root", 2, graph.a);
+        kstd_persistentPropertyTree_resetDecomposeProperty(decomposed, root);
+        kstd_persistentPropertyProcessor_processPropertyTree(processor, decomposed, Writer::visit, &writer);
+        EXPECT_EQ(rebuild(writer.sections, rebuilt), 0);
+        EXPECT_EQ(kstd_persistentType_loadPropertyNode(module.ptrh, copy, rebuilt->firstChild), 0);
+        unlinkRecorded(rebuilt, 16);
+        if (nodeOf(copy.v) != nullptr) unlinkNode(nodeOf(copy.v));
+        return true;
+    }();
+    (void)warm;
     return module;
 }
 
-void newNode(kstd_ptrh* pointer) {
-    void* object = nullptr;
-    ASSERT_EQ(nodeNew(&object), 0);
-    ASSERT_EQ(kstd_ptrh_assignShared(pointer, &static_cast<Node*>(object)->header), 0);
-}
+void newNode(kstd_ptrh* pointer) { newShared<Node>(pointer); }
+void newLink(kstd_ptrh* pointer) { newShared<Link>(pointer); }
 
-void newLink(kstd_ptrh* pointer) {
-    void* object = nullptr;
-    ASSERT_EQ(linkNew(&object), 0);
-    ASSERT_EQ(kstd_ptrh_assignShared(pointer, &static_cast<Link*>(object)->header), 0);
+void newChain(kstd_ptrh* head, int32_t length) {
+    newLink(head);
+    SharedPointer tail;
+    kstd_ptrh_assign(tail, head);
+    for (int32_t i = 1; i < length; ++i) {
+        linkOf(tail.v)->value = i - 1;
+        newLink(&linkOf(tail.v)->next);
+        kstd_ptrh_assign(tail, &linkOf(tail.v)->next);
+    }
+    linkOf(tail.v)->value = -1;
 }
 
 Node* nodeOf(const kstd_ptrh& pointer) {
@@ -697,9 +499,9 @@ void unlinkNode(Node* node) {
 
 void releaseChain(kstd_ptrh* head) {
     while (head->shared != nullptr) {
-        PointerBox current;
-        kstd_ptrh_assign(&current.p, head);
-        Link* link = linkOf(current.p);
+        SharedPointer current;
+        kstd_ptrh_assign(current, head);
+        Link* link = linkOf(current.v);
         kstd_ptrh_assign(head, &link->next);
         kstd_ptrh_reset(&link->next);
     }
@@ -707,12 +509,11 @@ void releaseChain(kstd_ptrh* head) {
 
 void unlinkRecorded(const kstd_persistentPropertyTree* tree, int64_t ids) {
     for (int64_t id = 0; id < ids; ++id) {
-        VariantBox recorded;
-        if (kstd_persistentPropertyTree_getObjectById(tree, id, &recorded.v) < 0) continue;
+        Variant recorded;
+        if (kstd_persistentPropertyTree_getObjectById(tree, id, recorded) < 0) continue;
         void* whole = nullptr;
-        if (kstd_persistentVariant_getWholeObject(&recorded.v, &whole) < 0 || whole == nullptr) continue;
-        uint32_t derivation = 0;
-        const std::u16string name = typeNameOf(recorded.v.type, &derivation);
+        if (kstd_persistentVariant_getWholeObject(recorded, &whole) < 0 || whole == nullptr) continue;
+        const std::u16string name = typeNameOf(recorded->type);
         if (name == u"RtNode") unlinkNode(static_cast<Node*>(whole));
         if (name == u"RtLink") kstd_ptrh_reset(&static_cast<Link*>(whole)->next);
     }
@@ -727,9 +528,9 @@ std::string compareValues(const Node& e, const Node& a, bool withItems) {
 #undef RT_SAME
     if (withItems && e.items.count != a.items.count) return "item count";
     if (textOf(e.name) != textOf(a.name)) return "field name";
-#define RT_SAME_VECTOR(field, vector, element)                                      \
-    if (elementsOf<vector, element>(e.field, vector##_getBeginSizeIntPtrConst) !=   \
-        elementsOf<vector, element>(a.field, vector##_getBeginSizeIntPtrConst))     \
+#define RT_SAME_VECTOR(field, vector, element)                                    \
+    if (elementsOf<vector, element>(e.field, vector##_getBeginSizeIntPtrConst) != \
+        elementsOf<vector, element>(a.field, vector##_getBeginSizeIntPtrConst))   \
         return "vector " #field;
     RT_SCALAR_VECTORS(RT_SAME_VECTOR)
 #undef RT_SAME_VECTOR
@@ -746,71 +547,209 @@ std::string compareValues(const Node& e, const Node& a, bool withItems) {
     return {};
 }
 
+Graph::Graph() {
+    newNode(a);
+    newNode(b);
+    newNode(c);
+    Node& na = *nodeOf(a.v);
+    na.i8 = -128;
+    na.i16 = -30000;
+    na.i32 = std::numeric_limits<int32_t>::min();
+    na.i64 = std::numeric_limits<int64_t>::min();
+    na.u8 = 255;
+    na.u16 = 65535;
+    na.u32 = 4000000000u;
+    na.u64 = std::numeric_limits<uint64_t>::max();
+    na.flag = 5;  // a k_Bool keeps any value
+    na.f = 0.1f;
+    na.d = std::numeric_limits<double>::denorm_min();
+    na.size = 12345678901ULL;
+    kstd_unicodeString_assignStringW(&na.name, u"quote \" backslash \\ tab \t \U0001F600 \u00e4");
+    na.color = 2;
+    na.bits = 0x8000000000000005ULL;
+    kstd_vector8s_pushBack(&na.v8s, -1);
+    kstd_vector8_pushBack(&na.v8, 200);
+    kstd_vector16s_pushBack(&na.v16s, -300);
+    kstd_vector16_pushBack(&na.v16, 60000);
+    // v32s stays empty: an empty array.
+    kstd_vector32_pushBack(&na.v32, 7);
+    kstd_vector64s_pushBack(&na.v64s, std::numeric_limits<int64_t>::min());
+    kstd_vector64_pushBack(&na.v64, std::numeric_limits<uint64_t>::max());
+    kstd_vectorIntPtrs_pushBack(&na.vps, -5);
+    kstd_vectorIntPtr_pushBack(&na.vp, 5);
+    kstd_vectorf_pushBack(&na.vf, 1.0f / 3.0f);
+    for (double d : {-0.0, std::numeric_limits<double>::infinity(), 1e308}) kstd_vectord_pushBack(&na.vd, d);
+    kstd_vectorb_pushBack(&na.vb, 1);
+    kstd_vectorb_pushBack(&na.vb, 0);
+    Text text;
+    kstd_unicodeString_assignStringW(text, u"");
+    kstd_vector_kstd_unicodeString_pushBack(&na.vstr, text);
+    kstd_unicodeString_reset(text);  // the null string
+    kstd_vector_kstd_unicodeString_pushBack(&na.vstr, text);
+    kstd_ptrh_assign(&na.next, b);
+    kstd_ptrh_assign(&na.other, b);
+    kstd_ptrhConst_assignShared(&na.view, b->shared);
+    na.box = Box{3, 4};
+    na.items.count = 2;
+    na.items.items[0].weight = 7;
+    kstd_ptrh_assign(&na.items.items[0].link, c);
+    na.items.items[1].weight = 9;
+    kstd_ptrh_assign(&na.items.items[1].link, b);
+    nodeOf(b.v)->i32 = 42;
+    kstd_ptrh_assign(&nodeOf(b.v)->next, a);
+    nodeOf(b.v)->box = Box{5, 6};
+    kstd_unicodeString_assignStringW(&nodeOf(c.v)->name, u"C");
+}
+
+Graph::~Graph() {
+    for (SharedPointer* p : {&a, &b, &c}) unlinkNode(nodeOf(p->v));
+}
+
+void expectCopyOf(const Graph& graph, const kstd_ptrh& root) {
+    const Node* a = nodeOf(root);
+    ASSERT_NE(a, nullptr);
+    EXPECT_NE(a, nodeOf(graph.a.v)) << "composing makes new objects";
+    EXPECT_EQ(compareValues(*nodeOf(graph.a.v), *a), "");
+    const Node* b = nodeOf(a->next);
+    ASSERT_NE(b, nullptr);
+    EXPECT_EQ(compareValues(*nodeOf(graph.b.v), *b), "");
+    // Pointers to one object are rebuilt as one object.
+    EXPECT_EQ(a->other.shared, a->next.shared);
+    EXPECT_EQ(a->view.shared, a->next.shared);
+    EXPECT_EQ(a->items.items[1].link.shared, a->next.shared);
+    EXPECT_EQ(b->next.shared, root.shared) << "the cycle is closed";
+    EXPECT_EQ(b->other.shared, nullptr);
+    EXPECT_EQ(b->view.shared, nullptr);
+    const Node* c = nodeOf(a->items.items[0].link);
+    ASSERT_NE(c, nullptr);
+    EXPECT_EQ(compareValues(*nodeOf(graph.c.v), *c), "");
+    EXPECT_NE(c, b);
+}
+
+Sections::~Sections() {
+    for (kstd_persistentPropertyNodeSection*& section : list) kstd_persistentPropertyNodeSection_delete(&section);
+}
+
+kstd_result Sections::add(kstd_persistentPropertyNodeSection** section) {
+    *section = nullptr;
+    RT_TRY(kstd_persistentPropertyNodeSection_new(section));
+    list.push_back(*section);
+    return 0;
+}
+
 kstd_result Writer::visit(void* context, int32_t event, int32_t, const kstd_persistentPropertyNode* node) {
     auto* writer = static_cast<Writer*>(context);
+    kstd_persistentPropertyNodeSection* section = nullptr;
     switch (event) {
         case kstd_persistentPropertyProcessorEvent_nodeBegin:
             writer->open.push_back(node);
-            writer->records.push_back(recordOf(node, kstd_persistentPropertyNodeSectionType_start));
-            return 0;
+            RT_TRY(writer->sections.add(&section));
+            RT_TRY(kstd_persistentPropertyNodeSection_assignNode(section, node,
+                                                                 kstd_persistentPropertyNodeSectionType_start));
+            return kstd_persistentProperty_reset(&section->property);
         case kstd_persistentPropertyProcessorEvent_leaf:
+        case kstd_persistentPropertyProcessorEvent_coreArray:
             // An array found empty while its items were expanded: the node
             // is already open and simply has no items.
             if (!writer->open.empty() && writer->open.back() == node) return 0;
-            return writeLeaf(node, false, &writer->records);
-        case kstd_persistentPropertyProcessorEvent_coreArray:
-            return writeLeaf(node, true, &writer->records);
-        case kstd_persistentPropertyProcessorEvent_nodeEnd: {
-            Record end;
-            end.sectionType = kstd_persistentPropertyNodeSectionType_end;
-            end.name = textOf(node->info.name);
-            writer->records.push_back(end);
+            RT_TRY(writer->sections.add(&section));
+            return kstd_persistentPropertyNodeSection_assignNode(section, node,
+                                                                 kstd_persistentPropertyNodeSectionType_leaf);
+        case kstd_persistentPropertyProcessorEvent_nodeEnd:
             writer->open.pop_back();
-            return 0;
-        }
+            RT_TRY(writer->sections.add(&section));
+            return kstd_persistentPropertyNodeSection_assignNode(section, node,
+                                                                 kstd_persistentPropertyNodeSectionType_end);
         default:
             return ksys_result_failure;
     }
 }
 
-kstd_result rebuild(const std::vector<Record>& records, kstd_persistentPropertyTree* tree) {
-    SectionBox section;
+kstd_result rebuild(const Sections& sections, kstd_persistentPropertyTree* tree) {
     std::vector<kstd_persistentPropertyNode*> open;
-    for (const Record& record : records) {
-        RT_TRY(sectionOf(record, &section.s));
+    for (const kstd_persistentPropertyNodeSection* section : sections.list) {
         kstd_persistentPropertyNode* node = nullptr;
-        switch (record.sectionType) {
-            case kstd_persistentPropertyNodeSectionType_start:
-                if (open.empty()) {
-                    RT_TRY(kstd_persistentPropertyTree_allocNextChild(tree, &node));
-                    RT_TRY(kstd_persistentPropertyNode_startNode(node, &section.s));
-                } else {
-                    RT_TRY(kstd_persistentPropertyNode_startChildNode(open.back(), &section.s, &node));
-                }
-                open.push_back(node);
-                break;
-            case kstd_persistentPropertyNodeSectionType_leaf:
-                if (open.empty()) {
-                    RT_TRY(kstd_persistentPropertyTree_allocNextChild(tree, &node));
-                    RT_TRY(kstd_persistentPropertyNode_startNode(node, &section.s));
-                } else {
-                    RT_TRY(kstd_persistentPropertyNode_addChildLeafNode(open.back(), &section.s));
-                }
-                break;
-            case kstd_persistentPropertyNodeSectionType_end: {
-                if (open.empty()) return ksys_result_failure;
-                uint32_t matches = 0;
-                RT_TRY(kstd_persistentPropertyNode_isMatchingEnd(open.back(), &section.s, &matches));
-                if (matches == 0) return ksys_result_failure;
-                RT_TRY(kstd_persistentPropertyNode_endNode(open.back()));
-                open.pop_back();
-                break;
-            }
-            default:
-                return ksys_result_failure;
+        if (section->sectionType == kstd_persistentPropertyNodeSectionType_end) {
+            uint32_t matches = 0;
+            if (open.empty()) return ksys_result_failure;
+            RT_TRY(kstd_persistentPropertyNode_isMatchingEnd(open.back(), section, &matches));
+            if (matches == 0) return ksys_result_failure;
+            RT_TRY(kstd_persistentPropertyNode_endNode(open.back()));
+            open.pop_back();
+        } else if (open.empty()) {
+            RT_TRY(kstd_persistentPropertyTree_allocNextChild(tree, &node));
+            RT_TRY(kstd_persistentPropertyNode_startNode(node, section));
+            if (section->sectionType != kstd_persistentPropertyNodeSectionType_leaf) open.push_back(node);
+        } else if (section->sectionType == kstd_persistentPropertyNodeSectionType_leaf) {
+            RT_TRY(kstd_persistentPropertyNode_addChildLeafNode(open.back(), section));
+        } else {
+            RT_TRY(kstd_persistentPropertyNode_startChildNode(open.back(), section, &node));
+            open.push_back(node);
         }
     }
     return open.empty() ? 0 : ksys_result_failure;
+}
+
+Line start(const char16_t* name, const char16_t* typeName, uint32_t derivation) {
+    Line s;
+    s.sectionType = kstd_persistentPropertyNodeSectionType_start;
+    s.flags = kstd_persistentPropertyNodeFlag_compound | kstd_persistentPropertyNodeFlag_hasInfo;
+    s.name = name;
+    s.typeName = typeName;
+    s.derivation = derivation;
+    return s;
+}
+
+Line define(const char16_t* typeName, int64_t id) {
+    Line s = start(u"ptr", typeName, kstd_persistentTypeDerivation_pointer);
+    s.flags |= kstd_persistentPropertyNodeFlag_hasObjectId;
+    s.objectId = id;
+    return s;
+}
+
+Line end() { return Line{}; }
+
+Line integer(const char16_t* name, const char16_t* typeName, int64_t value) {
+    Line s = leaf(name, typeName, 0, kstd_persistentPropertyNodeFlag_leafCoreValue);
+    s.value = Line::Value::integer;
+    s.valueTypeName = typeName;
+    s.integers = {value};
+    return s;
+}
+
+Line reference(const char16_t* typeName, int64_t id) {
+    Line s = leaf(u"ptr", typeName, kstd_persistentTypeDerivation_pointer, kstd_persistentPropertyNodeFlag_leafReference);
+    s.flags |= kstd_persistentPropertyNodeFlag_hasObjectId;
+    s.objectId = id;
+    return s;
+}
+
+Line nullPointer(const char16_t* typeName) {
+    Line s =
+        leaf(u"ptr", typeName, kstd_persistentTypeDerivation_pointer, kstd_persistentPropertyNodeFlag_leafNullPointer);
+    s.value = Line::Value::nullPointer;
+    return s;
+}
+
+Line items(const char16_t* itemTypeName, std::vector<int64_t> values) {
+    Line s = leaf(u"items", itemTypeName, kstd_persistentTypeDerivation_array,
+                  values.empty() ? kstd_persistentPropertyNodeFlag_leafEmptyArray : 0);
+    s.flags |= kstd_persistentPropertyNodeFlag_arrayOfCoreItems;
+    if (!values.empty()) s.flags &= ~kstd_persistentPropertyNodeFlag_leaf;
+    s.value = Line::Value::items;
+    s.valueTypeName = itemTypeName;
+    s.integers = std::move(values);
+    return s;
+}
+
+kstd_result rebuild(const std::vector<Line>& lines, kstd_persistentPropertyTree* tree) {
+    Sections sections;
+    for (const Line& line : lines) {
+        kstd_persistentPropertyNodeSection* section = nullptr;
+        RT_TRY(sections.add(&section));
+        RT_TRY(sectionOf(line, section));
+    }
+    return rebuild(sections, tree);
 }
 
 }  // namespace vexpers::test::rt

@@ -1,21 +1,20 @@
-// A client module for the round-trip tests: an object model registered
+// The client module of the tree and format tests: an object model registered
 // through the public registration functions only, with the accessors a
 // client writes (members stored by address, loaded by calling
-// kstd_persistentType_loadPropertyNode on the member), and a storage format
-// that writes a walked tree as plain records and rebuilds a tree from them.
+// kstd_persistentType_loadPropertyNode on the member); a writer that turns a
+// walked tree into node sections; and trees built from section lines.
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
 #include "support/test_support.hpp"
 
 // Runs one step; a failure ends the enclosing function with its code.
-#define RT_TRY(expression)                          \
-    do {                                            \
-        const kstd_result rt_try_ = (expression);   \
-        if (rt_try_ < 0) return rt_try_;            \
+#define RT_TRY(expression)                        \
+    do {                                          \
+        const kstd_result rt_try_ = (expression); \
+        if (rt_try_ < 0) return rt_try_;          \
     } while (0)
 
 namespace vexpers::test::rt {
@@ -27,18 +26,34 @@ struct Box {
     int32_t height;
 };
 
-// One item of an array of object items living in a container.
+// One item of an array of object items; not shareable.
 struct Item {
     int32_t weight;
     kstd_ptrh link;
 };
 
-// The container of items (a member of Node, reached through its table).
-// Its items live in a block of their own, outside the node.
+// The container of items (a member of Node, reached through its table);
+// its items live in a block of their own, room for four.
 struct ItemList {
-    Item* items;  // room for four
+    Item* items;
     intptr_t count;
 };
+
+// The built-in vectors of Node, in one list: member, vector type, element.
+#define RT_SCALAR_VECTORS(X)             \
+    X(v8s, kstd_vector8s, int8_t)        \
+    X(v8, kstd_vector8, uint8_t)         \
+    X(v16s, kstd_vector16s, int16_t)     \
+    X(v16, kstd_vector16, uint16_t)      \
+    X(v32s, kstd_vector32s, int32_t)     \
+    X(v32, kstd_vector32, uint32_t)      \
+    X(v64s, kstd_vector64s, int64_t)     \
+    X(v64, kstd_vector64, uint64_t)      \
+    X(vps, kstd_vectorIntPtrs, intptr_t) \
+    X(vp, kstd_vectorIntPtr, uintptr_t)  \
+    X(vf, kstd_vectorf, float)           \
+    X(vd, kstd_vectord, double)          \
+    X(vb, kstd_vectorb, int32_t)
 
 // The shared object type: scalars of every category that a value can hold,
 // a string, an enum and a bit field, every built-in vector, shared
@@ -60,19 +75,9 @@ struct Node {
     kstd_unicodeString name;
     int64_t color;  // RtColor
     uint64_t bits;  // RtColor bit field
-    kstd_vector8s v8s;
-    kstd_vector8 v8;
-    kstd_vector16s v16s;
-    kstd_vector16 v16;
-    kstd_vector32s v32s;
-    kstd_vector32 v32;
-    kstd_vector64s v64s;
-    kstd_vector64 v64;
-    kstd_vectorIntPtrs vps;
-    kstd_vectorIntPtr vp;
-    kstd_vectorf vf;
-    kstd_vectord vd;
-    kstd_vectorb vb;
+#define RT_DECLARE_VECTOR(field, vector, element) vector field;
+    RT_SCALAR_VECTORS(RT_DECLARE_VECTOR)
+#undef RT_DECLARE_VECTOR
     kstd_vector_kstd_unicodeString vstr;
     kstd_ptrh next;
     kstd_ptrh other;
@@ -88,11 +93,6 @@ struct Link {
     kstd_ptrh next;
 };
 
-// An object type that answers no "kstd_shared" interface.
-struct Plain {
-    int32_t value;
-};
-
 // A type without declared properties, loaded whole by its value access
 // table's load entry: "count" from a leaf, "box" through the box's type.
 struct Counter {
@@ -101,23 +101,42 @@ struct Counter {
 };
 
 struct Types {
-    const kstd_persistentType* counter;
-    const kstd_persistentType* bare;  // no declared properties, no load entry
     const kstd_persistentType* node;
+    const kstd_persistentType* nodePointer;
     const kstd_persistentType* link;
-    const kstd_persistentType* plain;
     const kstd_persistentType* box;
+    const kstd_persistentType* boxPointer;
     const kstd_persistentType* item;
     const kstd_persistentType* color;
+    const kstd_persistentType* counter;
+    const kstd_persistentType* bare;  // no declared properties, no load entry
     const kstd_persistentType* ptrh;
 };
 // Registers the module once (and starts the registry and the built-in
 // types it uses, so that leak checks count only what a test makes).
 const Types& types();
 
+using Tree = Owned<kstd_persistentPropertyTree, kstd_persistentPropertyTree_construct,
+                   kstd_persistentPropertyTree_destruct>;
+using Section = Owned<kstd_persistentPropertyNodeSection, kstd_persistentPropertyNodeSection_construct,
+                      kstd_persistentPropertyNodeSection_destruct>;
+using Processor = Owned<kstd_persistentPropertyProcessor, kstd_persistentPropertyProcessor_construct,
+                        kstd_persistentPropertyProcessor_destruct>;
+using Info = Owned<kstd_persistentPropertyInfo, kstd_persistentPropertyInfo_construct,
+                   kstd_persistentPropertyInfo_destruct>;
+
+// Expects, when it goes, that no block allocated since it was made is left;
+// declare it before the records whose memory it checks.
+struct NoLeaks {
+    LiveBlockCheck check;
+    ~NoLeaks() { EXPECT_EQ(check.leaked(), 0); }
+};
+
 // Heap objects, each held by one new reference in `pointer`.
 void newNode(kstd_ptrh* pointer);
 void newLink(kstd_ptrh* pointer);
+// A chain of `length` links; link i holds i, the last one -1.
+void newChain(kstd_ptrh* head, int32_t length);
 Node* nodeOf(const kstd_ptrh& pointer);
 Link* linkOf(const kstd_ptrh& pointer);
 // Number of Node and Link objects alive.
@@ -143,85 +162,60 @@ void unlinkRecorded(const kstd_persistentPropertyTree* tree, int64_t ids);
 // difference.
 std::string compareValues(const Node& expected, const Node& actual, bool withItems = true);
 
-// ---- Storage format ----------------------------------------------------------------------
+// A, B and C are nodes: A holds extreme values of every member kind (one
+// vector empty, a string with a surrogate pair, an empty and a null string);
+// A.next, A.other, A.view and A's second item point at B; B.next points back
+// at A (a cycle); C is reached only through A's first item; B.other and
+// B.view are null.
+struct Graph {
+    SharedPointer a, b, c;
+    Graph();
+    ~Graph();
+};
+// Checks that `root` holds a copy of the graph: values, sharing and the cycle.
+void expectCopyOf(const Graph& graph, const kstd_ptrh& root);
 
-// One value written out: a scalar by category, or a text.
-struct Scalar {
-    uint32_t category = 0;
-    int64_t i = 0;
-    uint64_t u = 0;
-    double d = 0;
-    int32_t b = 0;
-    bool isNull = false;
-    std::u16string text;
+// A list of heap sections, freed with it.
+struct Sections {
+    std::vector<kstd_persistentPropertyNodeSection*> list;
+    Sections() = default;
+    Sections(const Sections&) = delete;
+    Sections& operator=(const Sections&) = delete;
+    ~Sections();
+    kstd_result add(kstd_persistentPropertyNodeSection** section);
 };
 
-struct Record {
-    uint32_t sectionType = 0;
-    uint32_t flags = 0;
-    std::u16string name;
-    std::u16string typeName;
-    uint32_t derivation = 0;
-    uint32_t access = 2;
-    int64_t objectId = -1;
-    int64_t numItems = 0;
-    enum class Value { none, scalar, nullPointer, emptyArray, items } value = Value::none;
-    std::u16string valueTypeName;
-    uint32_t valueDerivation = 0;
-    Scalar scalar;
-    std::vector<Scalar> items;
-};
-
-// A node visitor that writes each node as a record: event 4 a start, 5 and
-// 6 a leaf with its value, 7 an end.
+// A node visitor that writes each node as a section, as a storage format
+// does: event 4 a start (without the object, which a file cannot hold), 5
+// and 6 a leaf with its value, 7 an end.
 struct Writer {
-    std::vector<Record> records;
+    Sections sections;
     std::vector<const kstd_persistentPropertyNode*> open;
     static kstd_result visit(void* context, int32_t event, int32_t depth, const kstd_persistentPropertyNode* node);
 };
 
-// Builds the top-level nodes of `tree` from records through node sections.
-kstd_result rebuild(const std::vector<Record>& records, kstd_persistentPropertyTree* tree);
+// Builds the top-level nodes of `tree` from sections with the start/end
+// protocol; a section out of order fails with ksys_result_failure.
+kstd_result rebuild(const Sections& sections, kstd_persistentPropertyTree* tree);
 
-// Owning wrappers.
-struct TreeBox {
-    kstd_persistentPropertyTree t;
-    TreeBox() { kstd_persistentPropertyTree_construct(&t); }
-    ~TreeBox() { kstd_persistentPropertyTree_destruct(&t); }
-    TreeBox(const TreeBox&) = delete;
-    TreeBox& operator=(const TreeBox&) = delete;
+// A section as a test writes it down, one line each: integer values only.
+struct Line {
+    uint32_t sectionType = kstd_persistentPropertyNodeSectionType_end;
+    uint32_t flags = 0;
+    std::u16string name, typeName;
+    uint32_t derivation = 0;
+    int64_t objectId = -1;
+    enum class Value { none, integer, nullPointer, items } value = Value::none;
+    std::u16string valueTypeName;
+    std::vector<int64_t> integers;  // one for a value, any number of items
 };
-
-struct PointerBox {
-    kstd_ptrh p;
-    PointerBox() { kstd_ptrh_constructEmpty(&p); }
-    ~PointerBox() { kstd_ptrh_destruct(&p); }
-    PointerBox(const PointerBox&) = delete;
-    PointerBox& operator=(const PointerBox&) = delete;
-};
-
-struct PropertyBox {
-    kstd_persistentProperty p;
-    PropertyBox() { kstd_persistentProperty_construct(&p); }
-    ~PropertyBox() { kstd_persistentProperty_destruct(&p); }
-    PropertyBox(const PropertyBox&) = delete;
-    PropertyBox& operator=(const PropertyBox&) = delete;
-};
-
-struct ProcessorBox {
-    kstd_persistentPropertyProcessor p;
-    ProcessorBox() { kstd_persistentPropertyProcessor_construct(&p); }
-    ~ProcessorBox() { kstd_persistentPropertyProcessor_destruct(&p); }
-    ProcessorBox(const ProcessorBox&) = delete;
-    ProcessorBox& operator=(const ProcessorBox&) = delete;
-};
-
-struct TypeBox {
-    kstd_persistentType t;
-    TypeBox() { kstd_persistentType_construct(&t); }
-    ~TypeBox() { kstd_persistentType_destruct(&t); }
-    TypeBox(const TypeBox&) = delete;
-    TypeBox& operator=(const TypeBox&) = delete;
-};
+Line start(const char16_t* name, const char16_t* typeName, uint32_t derivation = 0);
+Line define(const char16_t* typeName, int64_t id);  // a pointee "ptr" that defines `id`
+Line end();
+Line integer(const char16_t* name, const char16_t* typeName, int64_t value);
+Line reference(const char16_t* typeName, int64_t id);  // a leaf "ptr"
+Line nullPointer(const char16_t* typeName);             // a leaf "ptr"
+Line items(const char16_t* itemTypeName, std::vector<int64_t> values);  // a leaf "items"
+kstd_result rebuild(const std::vector<Line>& lines, kstd_persistentPropertyTree* tree);
 
 }  // namespace vexpers::test::rt
