@@ -153,13 +153,13 @@ TEST(FormatsHostile, CapsOfTheOptionsHold) {
     kfmt_options options;
     kfmt_options_setDefaults(&options);
     options.limits.maxDepth = 8;
-    EXPECT_EQ(read(&tree.t, bytes, &options, &report), kfmt_result_limitExceeded);
+    EXPECT_EQ(read(&tree.t, bytes, &options, &report), kstd_persistentResult_nestingTooDeep);
     kfmt_options_setDefaults(&options);
     options.limits.maxNodes = 10;
-    EXPECT_EQ(read(&tree.t, bytes, &options, &report), kfmt_result_limitExceeded);
+    EXPECT_EQ(read(&tree.t, bytes, &options, &report), kstd_persistentResult_tooManyNodes);
     kfmt_options_setDefaults(&options);
     options.limits.maxNameUnits = 4;
-    EXPECT_EQ(read(&tree.t, bytes, &options, &report), kfmt_result_limitExceeded);
+    EXPECT_EQ(read(&tree.t, bytes, &options, &report), kstd_persistentResult_nameTooLong);
     kfmt_options_setDefaults(&options);
     options.limits.maxBytes = 100;
     EXPECT_EQ(read(&tree.t, bytes, &options, &report), kfmt_result_limitExceeded);

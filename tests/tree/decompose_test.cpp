@@ -196,7 +196,7 @@ TEST_F(DecomposeTest, FailuresLeaveTheNodesBuiltSoFar) {
     tree->nodeAllocator.maxBlocks = 10;
     Property property;
     pointTo(property, u"root", &item);
-    EXPECT_EQ(kstd_persistentPropertyTree_resetDecomposeProperty(&tree, &property), ksys_result_outOfMemory);
+    EXPECT_EQ(kstd_persistentPropertyTree_resetDecomposeProperty(&tree, &property), kstd_persistentResult_tooManyNodes);
     EXPECT_EQ(liveNodes(&tree), 10);
     EXPECT_EQ(childCount(tree->firstChild), itemProperties);
     EXPECT_EQ(tree->firstChild->flags & kstd_persistentPropertyNodeFlag_decomposed, 0u);
