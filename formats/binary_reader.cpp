@@ -83,8 +83,10 @@ private:
         return 0;
     }
 
-    // A text of up to `maxUnits` units into `out` (terminated); *isNull for the null string.
-    kstd_result text(Buffer<char16_t>& out, int64_t maxUnits, bool* isNull) {
+    // A text of up to `maxUnits` units into `out` (terminated); *isNull for
+    // the null string. A longer one fails with `tooLong`.
+    kstd_result text(Buffer<char16_t>& out, int64_t maxUnits, bool* isNull,
+                     kstd_result tooLong = kfmt_result_limitExceeded) {
         const int64_t offset = in_.offset();
         uint64_t n = 0;
         KFMT_TRY(number(&n));
@@ -93,13 +95,17 @@ private:
         if (n == 0) return 0;
         const uint64_t bytes = n - 1;
         // At most three bytes a unit.
-        if (bytes > static_cast<uint64_t>(maxUnits) * 3) return reader_.reject(kfmt_result_limitExceeded, offset, "a text longer than the cap");
+        // A length beyond what remains is refused before the cap.
+        if (bytes > static_cast<uint64_t>(INT64_MAX)) return reader_.reject(kfmt_result_limitExceeded, offset, "a text longer than the input");
         KFMT_TRY(reader_.justify(static_cast<int64_t>(bytes), 1, offset));
+        if (bytes > static_cast<uint64_t>(maxUnits) * 3) return reader_.reject(tooLong, offset, "a text longer than the cap");
         KFMT_TRY(utf8_.resize(static_cast<size_t>(bytes)));
         if (!in_.read(utf8_.data(), utf8_.size())) return ended();
-        if (decodeUtf8(out, utf8_.data(), utf8_.size(), true) < 0)
+        const kstd_result decoded = decodeUtf8(out, utf8_.data(), utf8_.size(), true);
+        if (decoded == ksys_result_outOfMemory) return reader_.reject(decoded, offset, "memory for a text ran out");
+        if (decoded < 0)
             return reader_.reject(kfmt_result_malformed, offset, "a text that is not UTF-8 or holds a 0 character");
-        if (static_cast<int64_t>(out.size()) > maxUnits) return reader_.reject(kfmt_result_limitExceeded, offset, "a text longer than the cap");
+        if (static_cast<int64_t>(out.size()) > maxUnits) return reader_.reject(tooLong, offset, "a text longer than the cap");
         return 0;
     }
 
@@ -116,7 +122,7 @@ private:
             return 0;
         }
         bool isNull = false;
-        KFMT_TRY(text(scratch_, reader_.limits().maxNameUnits, &isNull));
+        KFMT_TRY(text(scratch_, reader_.limits().maxNameUnits, &isNull, kstd_persistentResult_nameTooLong));
         if (isNull) return reader_.reject(kfmt_result_malformed, offset, "a new text that is the null string");
         const Entry entry{arena_.size(), scratch_.size()};
         KFMT_TRY(arena_.append(scratch_.data(), scratch_.size()));

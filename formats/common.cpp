@@ -43,6 +43,11 @@ const char* codeName(kstd_result code, char (&scratch)[16]) {
     case kfmt_result_io: return "input/output";
     case kfmt_result_notStorable: return "not storable";
     case ksys_result_outOfMemory: return "out of memory";
+    case kstd_persistentResult_nestingTooDeep: return "nesting too deep";
+    case kstd_persistentResult_tooManyNodes: return "too many nodes";
+    case kstd_persistentResult_nameTooLong: return "name too long";
+    case kstd_persistentResult_arraySizeOverflow: return "array too large";
+    case kstd_persistentResult_invalidArgument: return "invalid argument";
     default:
         std::snprintf(scratch, sizeof scratch, "0x%08X", static_cast<unsigned>(code));
         return scratch;

@@ -275,7 +275,7 @@ private:
         }
         if (t.kind != Token::string) return stop(kfmt_result_malformed, "a name that is no string");
         if (t.length > static_cast<size_t>(reader_.limits().maxNameUnits))
-            return stop(kfmt_result_limitExceeded, "a name longer than the cap");
+            return stop(kstd_persistentResult_nameTooLong, "a name longer than the cap");
         buffer.clear();
         if (buffer.append(t.text, t.length) < 0 || buffer.push(0) < 0) return check(ksys_result_outOfMemory);
         text->chars = buffer.data();
@@ -459,6 +459,8 @@ kstd_result decodeJson(Input& input, SectionReader& reader) {
     Handler handler(input, reader);
     Stream stream{&input};
     const rapidjson::ParseResult parsed = parser.Parse<flags>(stream, handler);
+    if (allocator.failed())
+        return reader.reject(ksys_result_outOfMemory, input.offset(), "memory for the parser's stack ran out");
     if (!parsed.IsError()) {
         // RapidJSON stops at a 0 byte as at the end.
         if (!input.atEnd()) return reader.reject(kfmt_result_malformed, input.offset(), "data after the document");

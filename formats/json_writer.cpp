@@ -143,6 +143,7 @@ public:
         const bool ok = writer_.endNodeList(0) && writer_.key(u"nodeCount") && writer_.Int64(nodes) &&
                         writer_.EndObject();
         out.put('\n');
+        if (allocator_.failed()) return ksys_result_outOfMemory;
         return ok ? 0 : kfmt_result_notStorable;
     }
 

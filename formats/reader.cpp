@@ -58,9 +58,9 @@ kstd_result SectionReader::describe(const Header& header, int64_t offset) {
     const Kinds& k = header.kinds;
     const bool isStart = header.sectionType == kstd_persistentPropertyNodeSectionType_start;
 
-    if (statistics_.nodes >= caps.maxNodes) return reject(kfmt_result_limitExceeded, offset, "too many nodes");
+    if (statistics_.nodes >= caps.maxNodes) return reject(kstd_persistentResult_tooManyNodes, offset, "too many nodes");
     if (header.name.length > caps.maxNameUnits || header.typeName.length > caps.maxNameUnits)
-        return reject(kfmt_result_limitExceeded, offset, "a name longer than the cap");
+        return reject(kstd_persistentResult_nameTooLong, offset, "a name longer than the cap");
     if (header.typeName.chars == nullptr || header.typeName.length == 0)
         return reject(kfmt_result_malformed, offset, "a node without a type name");
     if (header.derivation > kstd_persistentTypeDerivation_bitfieldArray)
@@ -77,6 +77,8 @@ kstd_result SectionReader::describe(const Header& header, int64_t offset) {
     }
     if (k.leafKind == 4 && !k.hasId) return reject(kfmt_result_malformed, offset, "a reference without an id");
     if (k.hasId && header.id < 0) return reject(kfmt_result_malformed, offset, "a negative object id");
+    if (k.hasId && header.id > kstd_persistentPropertyTree_maxObjectId)
+        return reject(kstd_persistentResult_invalidArgument, offset, "an object id beyond the id cap");
     const bool counted = k.leafKind == 0 && k.arrayKind != 0;
     if (counted != (header.count >= 0))
         return reject(kfmt_result_malformed, offset,
@@ -84,7 +86,7 @@ kstd_result SectionReader::describe(const Header& header, int64_t offset) {
     if (counted) {
         if (header.count == 0) return reject(kfmt_result_malformed, offset, "an array without items that is no empty array");
         if (header.count > caps.maxItems || header.count > maxArrayItems)
-            return reject(kfmt_result_limitExceeded, offset, "more items than the cap");
+            return reject(kstd_persistentResult_arraySizeOverflow, offset, "more items than the cap");
         // Every item or child takes at least one byte of what remains.
         KFMT_TRY(justify(header.count, 1, offset));
     }
@@ -218,7 +220,7 @@ kstd_result SectionReader::commit() {
     complete_ = false;
     const bool isStart = header_.sectionType == kstd_persistentPropertyNodeSectionType_start;
     if (isStart && depth() >= options_.limits.maxDepth)
-        return reject(kfmt_result_limitExceeded, offset_, "nesting deeper than the cap");
+        return reject(kstd_persistentResult_nestingTooDeep, offset_, "nesting deeper than the cap");
     kstd_persistentPropertyNodeSection* section = section_.get();
     kstd_persistentPropertyNode* parent = open_.empty() ? nullptr : open_.back().node;
     if (parent != nullptr) {

@@ -93,6 +93,17 @@ typedef int32_t kstd_result;
 #define kstd_persistentResult_objectIdTaken VEXPERS_RESULT(0x80001E7Fu)
 #define kstd_persistentResult_invalidArgument VEXPERS_RESULT(0x80004040u)
 
+/* Limits for untrusted input (values and where they apply: vexpers/tree.h).
+ * Object ids past their cap give kstd_persistentResult_invalidArgument and
+ * arrays past theirs kstd_persistentResult_arraySizeOverflow; the other
+ * limits have codes of their own. */
+/** Composing or reading would nest deeper than the depth limit. */
+#define kstd_persistentResult_nestingTooDeep VEXPERS_RESULT(0x80004110u)
+/** A tree would hold more nodes than its node cap. */
+#define kstd_persistentResult_tooManyNodes VEXPERS_RESULT(0x80004111u)
+/** A property or type name read into a tree is longer than the name limit. */
+#define kstd_persistentResult_nameTooLong VEXPERS_RESULT(0x80004112u)
+
 /** True when a result code reports failure. */
 #define KSTD_FAILED(result) ((result) < 0)
 #define KSTD_SUCCEEDED(result) ((result) >= 0)

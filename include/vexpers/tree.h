@@ -59,16 +59,43 @@ VEXPERS_EXTERN_C_BEGIN
 #define kstd_persistentPropertyNodeSectionType_startWithValue 3u
 #define kstd_persistentPropertyNodeSectionType_none 0xFFFFFFFFu
 
-/* Limits on what a tree holds. Ids read from a file are checked against the
- * first; the node count bounds what a stream of sections can build; the third
- * bounds the array a section allocates for a count read from a file. */
+/* Limits for untrusted input. Data read from a file reaches a tree through
+ * node sections and objects through composing; each limit below fails with
+ * its own code, never a crash, and admits any legitimate graph (a chain of n
+ * objects nests about 2n levels; freeing, walking and composing use heap work
+ * stacks, so depth costs memory only).
+ *
+ * Object ids: 0 .. kstd_persistentPropertyTree_maxObjectId. A section with a
+ *   larger id is refused by the start/end protocol, and recording one
+ *   (setObjectWithId, findObject) fails; code
+ *   kstd_persistentResult_invalidArgument. Ids far beyond those in use are
+ *   stored sparsely, so one large id allocates nothing per unused id.
+ * Nodes: at most nodeAllocator.maxBlocks nodes live in one tree at once, set
+ *   to kstd_persistentPropertyTree_maxNodes when the tree is constructed; a
+ *   program may lower it per tree. One more node (from sections,
+ *   decomposition or allocNextChild) fails with
+ *   kstd_persistentResult_tooManyNodes.
+ * Nesting depth: composing keeps at most kstd_persistentPropertyTree_maxDepth
+ *   objects pending at once, and never more than the tree's node cap; one
+ *   level more fails with kstd_persistentResult_nestingTooDeep. A tree built
+ *   from sections cannot nest deeper than its node cap.
+ * Array counts: setPropertyArrayAndAlloc allocates at most
+ *   kstd_persistentPropertyNodeSection_maxArrayBytes (count times element
+ *   size); more fails with kstd_persistentResult_arraySizeOverflow.
+ * Names: a section's property name and type name hold at most
+ *   kstd_persistentPropertyNodeSection_maxNameUnits UTF-16 units; a longer
+ *   one is refused by the start/end protocol with
+ *   kstd_persistentResult_nameTooLong. */
 /** Highest object id the registry records (ids 0 .. 2,147,483,646). */
 #define kstd_persistentPropertyTree_maxObjectId 0x7FFFFFFE
-/** Most nodes one tree holds at once; allocating one more fails with
- *  ksys_result_outOfMemory. */
+/** Default node cap of a tree (33,554,432 nodes). */
 #define kstd_persistentPropertyTree_maxNodes 0x2000000
-/** Most bytes (count times element size) setPropertyArrayAndAlloc allocates. */
+/** Most objects composing keeps pending at once (10,000,000 levels). */
+#define kstd_persistentPropertyTree_maxDepth 10000000
+/** Most bytes (count times element size) setPropertyArrayAndAlloc allocates (1 GiB). */
 #define kstd_persistentPropertyNodeSection_maxArrayBytes 0x40000000
+/** Most UTF-16 units of a name in a section that starts a node (65,535). */
+#define kstd_persistentPropertyNodeSection_maxNameUnits 0xFFFF
 
 /* Leaf kinds: 0 not a leaf, 1 core value, 2 null pointer, 3 empty array,
  * 4 reference to an object that already has an id. Array kinds: 0 not an

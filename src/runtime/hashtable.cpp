@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "frame/frame.hpp"
+#include "runtime/hashtable_internal.hpp"
 #include "vexpers/containers.h"
 
 struct kstd_hashtableNode {
@@ -209,4 +210,26 @@ VEXPERS_EXPORT kstd_result kstd_hashtable_getCount(const kstd_hashtable* table, 
     VEXPERS_REQUIRE(table != nullptr);
     *count = table->count;
     return 0;
+}
+
+kstd_result vexpers::runtime::removeFromHashtable(kstd_hashtable* table, const void* key) {
+    VEXPERS_REQUIRE(table != nullptr && table->bins != nullptr);
+    VEXPERS_REQUIRE(key != nullptr);
+    uint32_t hash = 0;
+    VEXPERS_TRY(hashKey(table, key, &hash));
+    Node* node = nullptr;
+    VEXPERS_TRY(find(table, key, hash, &node));
+    if (node == nullptr) return 0;
+    for (Node** link = &table->bins[hash % uint32_t(table->numBins)]; *link != nullptr; link = &(*link)->next) {
+        if (*link != node) continue;
+        *link = node->next;
+        break;
+    }
+    --table->count;
+    kstd_result result = destroy(table->valueOps, valueOf(table, node));
+    const kstd_result keyResult = destroy(table->keyOps, keyOf(node));
+    if (!failed(result)) result = keyResult;
+    void* memory = node;
+    ksys_memory_free_internal(&memory);
+    return result;
 }

@@ -103,7 +103,9 @@ thread_local Composer* activeComposer = nullptr;
 
 class Composer {
 public:
-    Composer() : previous_(activeComposer) { activeComposer = this; }
+    Composer() : previous_(activeComposer), outer_(previous_ != nullptr ? previous_->pending() : 0) {
+        activeComposer = this;
+    }
     ~Composer() {
         dropFramesAbove(0);
         activeComposer = previous_;
@@ -148,6 +150,7 @@ public:
             if (failed(result)) return result;
             return complete(completion, result);
         }
+        VEXPERS_TRY(checkDepth(node));
         Frame frame{record, object, extent, node, 0, coreOrEnum != 0 && value != nullptr, 0, nullptr, nullptr, {}};
         if (completion != nullptr) {
             VEXPERS_TRY(kstd_ptrh_construct(&frame.keep, completion->shared));
@@ -218,6 +221,21 @@ public:
     }
 
 private:
+    // Objects pending on this thread: this composer's frames and those of
+    // the composers whose load calls it runs inside.
+    size_t pending() const { return outer_ + frames_.size(); }
+
+    // One object more may be pending while that stays within the depth
+    // limit and the node cap of the tree being composed from: a tree of n
+    // nodes never nests deeper than n.
+    kstd_result checkDepth(const Node* node) const {
+        uint64_t limit = kstd_persistentPropertyTree_maxDepth;
+        if (node->owner != nullptr && node->owner->nodeAllocator.maxBlocks >= 0 &&
+            static_cast<uint64_t>(node->owner->nodeAllocator.maxBlocks) < limit)
+            limit = static_cast<uint64_t>(node->owner->nodeAllocator.maxBlocks);
+        return pending() < limit ? 0 : kstd_persistentResult_nestingTooDeep;
+    }
+
     static size_t extentOf(const Record* record) {
         uint32_t size = 0;
         return failed(types::elementSizeOf(record, &size)) ? 0 : size;
@@ -323,6 +341,7 @@ private:
     }
 
     Composer* previous_;
+    size_t outer_;
     WorkStack<Frame> frames_;
     Scope scope_;
 };

@@ -30,6 +30,19 @@ bool isWellFormed(uint32_t flags, bool takesValue) {
     return true;
 }
 
+// The limits on what a section read from a file may carry: its object id
+// and the length of its names.
+kstd_result checkSectionLimits(const Section* section) {
+    if (section->objectId > kstd_persistentPropertyTree_maxObjectId) return kstd_persistentResult_invalidArgument;
+    if (section->info.name.length > kstd_persistentPropertyNodeSection_maxNameUnits)
+        return kstd_persistentResult_nameTooLong;
+    const char16_t* typeName = nullptr;
+    if (kstd_persistentType_getTypeName(&section->info.type, &typeName) >= 0 && typeName != nullptr &&
+        ksys_wcslen(typeName) > kstd_persistentPropertyNodeSection_maxNameUnits)
+        return kstd_persistentResult_nameTooLong;
+    return 0;
+}
+
 kstd_result startFromSection(Node* node, const Section* section) {
     if ((node->flags & flag::started) != 0) return ksys_result_failure;
     const uint32_t type = section->sectionType;
@@ -40,6 +53,7 @@ kstd_result startFromSection(Node* node, const Section* section) {
         type != kstd_persistentPropertyNodeSectionType_start && !allSet(section->flags, flag::reference);
     if (!isWellFormed(section->flags, takesValue) || section->objectId < -1 || section->numItems < 0)
         return ksys_result_failure;
+    VEXPERS_TRY(checkSectionLimits(section));
     VEXPERS_TRY(kstd_persistentPropertyInfo_assign(&node->info, &section->info));
     // The started and ended bits of a section describe the node it was
     // written from; this node's state comes from the protocol alone.

@@ -8,6 +8,9 @@ namespace vexpers::tree {
 
 kstd_result allocNode(Tree* tree, Node** node) {
     *node = nullptr;
+    // The tree's node cap is its allocator's block cap.
+    const kstd_blockAllocator& nodes = tree->nodeAllocator;
+    if (nodes.maxBlocks >= 0 && nodes.liveCount >= nodes.maxBlocks) return kstd_persistentResult_tooManyNodes;
     void* block = nullptr;
     VEXPERS_TRY(kblk_alloc(&tree->nodeAllocator, &block));
     kstd_blockRef ref{&tree->nodeAllocator, block};

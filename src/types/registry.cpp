@@ -16,6 +16,7 @@
 #include "vexpers/text.h"
 
 #include "frame/lifecycle.hpp"
+#include "runtime/hashtable_internal.hpp"
 #include "types/core_type_table.hpp"
 #include "types/type_record.hpp"
 #include "vectors/vector_view.hpp"
@@ -386,6 +387,22 @@ kstd_result registerType(const Registration& r) {
         if (existing != nullptr) return kstd_persistentResult_typeAlreadyRegistered;
     }
 
+    // A registration that fails leaves the registry as it was: the room for
+    // what it keeps is made first, and what it made is taken back.
+    VEXPERS_TRY(reserveMore(state.entryVectors, 2));
+    VEXPERS_TRY(reserveMore(state.outputHandles, 2));
+    const int64_t entryVectorsBefore = state.entryVectors.count;
+    uint32_t derivationsPut = 0;
+    auto undo = makeGuard([&] {
+        for (uint32_t derivation = 0; derivation < derivationsPut; ++derivation) {
+            LocalKey key(derivation);
+            if (!failed(kstd_stringConst_assign(&key.get().name, &name)))
+                runtime::removeFromHashtable(&state.types, &key.get());
+        }
+        while (state.entryVectors.count > entryVectorsBefore)
+            deletePropertyInfoEntries(&state.entryVectors.items[--state.entryVectors.count]);
+    });
+
     kstd_persistentPropertyInfoEntryVector* entries = nullptr;
     kstd_persistentPropertyInfoEntryVector* bitfieldEntries = nullptr;
     VEXPERS_TRY(makeEntries(r.staticProperties, &entries));
@@ -424,13 +441,22 @@ kstd_result registerType(const Registration& r) {
             record->hasPropertyInfoEntries = formEntries != nullptr ? 1 : 0;
             return 0;
         }));
+        derivationsPut = derivation + 1;
         if (derivation == kstd_persistentTypeDerivation_value) VEXPERS_TRY(kstd_persistentType_assign(&plain, &made));
         if (derivation == kstd_persistentTypeDerivation_bitfield)
             VEXPERS_TRY(kstd_persistentType_assign(&bitfield, &made));
     }
 
     VEXPERS_TRY(fillOutput(r.typeOut, &plain));
-    if (r.bitfieldTypeOut != nullptr) VEXPERS_TRY(fillOutput(r.bitfieldTypeOut, &bitfield));
+    if (r.bitfieldTypeOut != nullptr) {
+        const kstd_result filled = fillOutput(r.bitfieldTypeOut, &bitfield);
+        if (failed(filled)) {
+            kstd_persistentType_destruct(r.typeOut);
+            --state.outputHandles.count;
+            return filled;
+        }
+    }
+    undo.dismiss();
     publishRegistered(r.registeredFlag);
     if (r.bitfieldRegisteredFlag != nullptr && r.bitfieldTypeOut != nullptr) publishRegistered(r.bitfieldRegisteredFlag);
 

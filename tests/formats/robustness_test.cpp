@@ -207,9 +207,9 @@ TEST(FormatsHostile, CapsOfTheOptionsHold) {
         limit(options.limits);
         return read(tree, bytes, &options);
     };
-    EXPECT_EQ(readWith([](auto& l) { l.maxDepth = 8; }), kfmt_result_limitExceeded);
-    EXPECT_EQ(readWith([](auto& l) { l.maxNodes = 10; }), kfmt_result_limitExceeded);
-    EXPECT_EQ(readWith([](auto& l) { l.maxNameUnits = 4; }), kfmt_result_limitExceeded);
+    EXPECT_EQ(readWith([](auto& l) { l.maxDepth = 8; }), kstd_persistentResult_nestingTooDeep);
+    EXPECT_EQ(readWith([](auto& l) { l.maxNodes = 10; }), kstd_persistentResult_tooManyNodes);
+    EXPECT_EQ(readWith([](auto& l) { l.maxNameUnits = 4; }), kstd_persistentResult_nameTooLong);
     EXPECT_EQ(readWith([](auto& l) { l.maxBytes = 100; }), kfmt_result_limitExceeded);
     EXPECT_EQ(readWith([&](auto& l) { l.maxBytes = static_cast<int64_t>(bytes.size()); }), 0);
 }

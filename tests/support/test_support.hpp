@@ -59,13 +59,21 @@ private:
     int64_t start_;
 };
 
-// Allocation-failure sweep: runs `scenario` once to count its allocations,
-// then once per allocation k with the k-th allocation failing (once, then
-// persistently). Each failing run must return a negative code and leave the
-// live block count where it started; `cleanup` (may be empty) releases what a
-// run built. Returns the number of allocation sites reached.
+// Allocation-failure sweep. Runs `scenario` once cleanly and counts its
+// allocations A; then, for k = 1..A (and on while the k-th allocation is
+// still reached: growing reallocations count as well), runs it with the k-th
+// allocation failing once, and again with every allocation from the k-th on
+// failing. A run that reached the injected failure must return
+// ksys_result_outOfMemory; after every run (and `cleanup`, which may be
+// empty and releases what a run built) the live block count must be back
+// where it started, and a clean rerun must succeed. Returns the number of
+// allocation sites reached (the highest k whose failure was reached).
+// A scenario that registers types or interns names keeps what it made when
+// it succeeds: with SweepKeeps::whatSucceeds, every successful run must keep
+// as many blocks as the clean run did, every failed run none.
+enum class SweepKeeps { nothing, whatSucceeds };
 int64_t sweepAllocationFailures(const std::function<kstd_result()>& scenario,
-                                const std::function<void()>& cleanup = {});
+                                const std::function<void()>& cleanup = {}, SweepKeeps keeps = SweepKeeps::nothing);
 
 // Short names of the result codes the tests compare most, after the last
 // hexadecimal digits of their values (0x800040C0 is C0).

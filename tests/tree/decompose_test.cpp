@@ -153,7 +153,7 @@ TEST_F(DecomposeTest, NodeCapReachedPartWayLeavesTheNodesBuiltSoFar) {
     Property property;
     ASSERT_EQ(kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(property, u"root", 2, a), 0);
     tree->nodeAllocator.maxBlocks = 40;
-    EXPECT_EQ(kstd_persistentPropertyTree_resetDecomposeProperty(tree, property), ksys_result_outOfMemory);
+    EXPECT_EQ(kstd_persistentPropertyTree_resetDecomposeProperty(tree, property), kstd_persistentResult_tooManyNodes);
     int64_t live = -1;
     kstd_blockAllocator_getLiveCount(&tree->nodeAllocator, &live);
     EXPECT_EQ(live, 40);

@@ -65,8 +65,9 @@ VEXPERS_EXTERN_C_BEGIN
 #define kfmt_result_malformed VEXPERS_RESULT(0x80004201u)
 /** A version other than kfmt_formatVersion. */
 #define kfmt_result_unsupportedVersion VEXPERS_RESULT(0x80004202u)
-/** A cap of kfmt_limits was reached, or a count or length is larger than the
- *  input that remains could hold. */
+/** The input is longer than maxBytes, a string value longer than
+ *  maxStringUnits, or a count or length larger than the input that remains
+ *  could hold. */
 #define kfmt_result_limitExceeded VEXPERS_RESULT(0x80004203u)
 /** Sections out of order: an end without an open node, nodes still open at
  *  the end, kinds that contradict the section type. */
@@ -99,10 +100,17 @@ typedef struct kfmt_report {
 } kfmt_report;
 
 /**
- * Caps on what a read accepts. Each one reached fails with
- * kfmt_result_limitExceeded. The defaults (kfmt_options_setDefaults) admit
+ * Caps on what a read accepts. The defaults (kfmt_options_setDefaults) admit
  * any legitimate tree of the input's size: nesting is bounded only by
- * maxDepth (10,000,000 levels), everything else by the input itself.
+ * maxDepth (10,000,000 levels), names by 4,096 units, everything else by the
+ * input itself and the tree's limits (vexpers/tree.h). Past a cap: maxDepth
+ * kstd_persistentResult_nestingTooDeep, maxNodes
+ * kstd_persistentResult_tooManyNodes, maxNameUnits
+ * kstd_persistentResult_nameTooLong, maxItems
+ * kstd_persistentResult_arraySizeOverflow, maxBytes and maxStringUnits
+ * kfmt_result_limitExceeded; an object id beyond
+ * kstd_persistentPropertyTree_maxObjectId gives
+ * kstd_persistentResult_invalidArgument.
  */
 typedef struct kfmt_limits {
     /** Input bytes read at most. */
