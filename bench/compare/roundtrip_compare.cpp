@@ -555,6 +555,7 @@ struct Timing {
     double write = 0;  // seconds
     double read = 0;
     size_t bytes = 0;
+    double phases[4] = {0, 0, 0, 0};  // vexpers: decompose, write, read, compose (each with its tree reset)
     std::string failure;  // empty when the copy agreed
 };
 
@@ -580,8 +581,10 @@ Timing vexpersCase(Data& data, uint32_t format, bool check) {
     kstd_result result = kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(&property, u"root", 2, &data.vexpers.root);
     if (result >= 0) result = kstd_persistentPropertyTree_resetDecomposeProperty(&tree, &property);
     kstd_persistentProperty_destruct(&property);
+    timing.phases[0] = seconds(start);
     if (result >= 0) result = kfmt_writeTree(&tree, format, &sink, nullptr, nullptr, &report);
     kstd_persistentPropertyTree_reset(&tree);
+    timing.phases[1] = seconds(start) - timing.phases[0];
     timing.write = seconds(start);
     timing.bytes = writer.size;
 
@@ -591,10 +594,12 @@ Timing vexpersCase(Data& data, uint32_t format, bool check) {
         kfmt_source source;
         kfmt_source_initMemory(&source, &reader, writer.data, writer.size);
         result = kfmt_readTree(&tree, format, &source, nullptr, nullptr, &report);
+        timing.phases[2] = seconds(start);
         if (result >= 0)
             result = kstd_persistentType_loadPropertyNode(&registered.pointer, &copy.root, tree.firstChild);
         kstd_persistentPropertyTree_reset(&tree);
         timing.read = seconds(start);
+        timing.phases[3] = timing.read - timing.phases[2];
     }
     if (result < 0) {
         char text[400];
@@ -760,6 +765,10 @@ int caseProcess(const char* name, int64_t n, size_t stack) {
             return 1;
         }
         std::printf("peak %ld %ld\n", usage.ru_maxrss, high - before);
+        if (!c.peer)
+            std::fprintf(stderr, "%s phases ns/object: decompose %.0f, write %.0f, read %.0f, compose %.0f\n",
+                         c.name, timing.phases[0] * 1e9 / n, timing.phases[1] * 1e9 / n, timing.phases[2] * 1e9 / n,
+                         timing.phases[3] * 1e9 / n);
         return 0;
     }
     std::fprintf(stderr, "no case %s\n", name);
