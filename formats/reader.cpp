@@ -184,7 +184,8 @@ kstd_result SectionReader::describe(const Header& header, int64_t offset) {
 kstd_result SectionReader::prepareValue(int32_t coreId, uint32_t* category) {
     *category = 0;
     if (coreId < 0) {
-        if (header_.derivation != 0 || cores_.idOfName(header_.typeName.chars, &coreId) < 0)
+        // The descriptor already names the declared type: no second look-up.
+        if (header_.derivation != 0 || cores_.idOfType(&described_->type, &coreId) < 0)
             return reject(kfmt_result_badValue, offset_, "a value whose declared type is no core type, without its own type");
     }
     CoreFacts facts;
