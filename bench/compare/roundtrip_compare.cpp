@@ -14,14 +14,20 @@
 // reading the tree and composing new objects from it; freeing the trees is
 // part of the timed work.
 //
-//   roundtrip_compare [--sizes 1000,10000] [--reps 5] [--no-memory] [--no-probe]
+//   roundtrip_compare [--sizes 1000,10000] [--reps 5] [--no-memory] [--no-probe] [--lock FILE]
 //   roundtrip_compare --case NAME --n N      one round trip, peak memory (used
 //                                             by the main run, one process a case)
+//
+// With --lock, each round of timed runs (every case once) holds an exclusive
+// flock on FILE, so that builds sharing the machine wait for the round and
+// run between rounds.
 //
 // vexpers runs on the main thread with the process's default stack. The peer
 // libraries recurse once per level of the graph's depth-first nesting, so
 // they run on a thread with a raised stack (peerStackBytes).
 #include <pthread.h>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -835,6 +841,7 @@ int main(int argc, char** argv) {
     int reps = 5;
     bool memory = true, probe = true;
     const char* caseName = nullptr;
+    const char* lockPath = nullptr;
     int64_t caseN = 0;
     size_t stack = peerStackBytes;
     for (int i = 1; i < argc; ++i) {
@@ -845,11 +852,12 @@ int main(int argc, char** argv) {
         else if (a == "--case" && value) caseName = argv[++i];
         else if (a == "--n" && value) caseN = static_cast<int64_t>(std::stod(argv[++i]));
         else if (a == "--stack" && value) stack = std::strtoull(argv[++i], nullptr, 10);
+        else if (a == "--lock" && value) lockPath = argv[++i];
         else if (a == "--no-memory") memory = false;
         else if (a == "--no-probe") probe = false;
         else {
             std::fprintf(stderr,
-                         "usage: roundtrip_compare [--sizes 1000,1e4,...] [--reps R] [--no-memory] [--no-probe]\n"
+                         "usage: roundtrip_compare [--sizes 1000,1e4,...] [--reps R] [--no-memory] [--no-probe] [--lock FILE]\n"
                          "       roundtrip_compare --case NAME --n N [--stack BYTES]\n");
             return 2;
         }
@@ -880,6 +888,8 @@ int main(int argc, char** argv) {
         std::vector<std::string> notes(all.size());
         std::vector<bool> skipped(all.size(), false);
         for (int rep = 0; rep < reps; ++rep) {
+            int lock = lockPath != nullptr ? open(lockPath, O_RDWR | O_CREAT, 0666) : -1;
+            if (lock >= 0) flock(lock, LOCK_EX);
             for (size_t k = 0; k < all.size(); ++k) {
                 if (skipped[k]) continue;
                 const Timing t = runCase(all[k], data, rep == 0, stack);
@@ -898,6 +908,7 @@ int main(int argc, char** argv) {
                     notes[k] = text;
                 }
             }
+            if (lock >= 0) close(lock);  // releases the lock
         }
         const double perObject = 1e9 / static_cast<double>(n);
         std::vector<double> total(all.size());
