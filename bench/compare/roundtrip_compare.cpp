@@ -16,7 +16,9 @@
 //
 //   roundtrip_compare [--sizes 1000,10000] [--reps 5] [--no-memory] [--no-probe] [--lock FILE]
 //   roundtrip_compare --case NAME --n N      one round trip, peak memory (used
-//                                             by the main run, one process a case)
+//                                             by the main run, one process a case;
+//                                             for vexpers also the cost of each
+//                                             phase, on stderr)
 //
 // With --lock, each round of timed runs (every case once) holds an exclusive
 // flock on FILE, so that builds sharing the machine wait for the round and
