@@ -3,6 +3,8 @@
 #include "reader.hpp"
 
 #include <cstdio>
+#include <cstring>
+#include <string>
 
 namespace vexpers::formats {
 namespace {
@@ -28,12 +30,55 @@ SectionReader::~SectionReader() {
 
 kstd_result SectionReader::init() {
     KFMT_TRY(section_.status());
-    KFMT_TRY(info_.status());
     KFMT_TRY(value_.status());
     if (options_.flags & kfmt_flag_checkObjectIds) {
         KFMT_TRY(kstd_hashtable_construct(&defined_, &int64Operations, &int64Operations, 1024, -1));
         idsReady_ = true;
     }
+    return 0;
+}
+
+namespace {
+
+bool sameText(const char16_t* chars, int32_t length, const char16_t* other, int32_t otherLength) {
+    if ((chars == nullptr) != (other == nullptr) || length != otherLength) return false;
+    return length == 0 || std::memcmp(chars, other, static_cast<size_t>(length) * sizeof(char16_t)) == 0;
+}
+
+uint32_t mix(uint32_t hash, const Text& text) {
+    hash = (hash ^ static_cast<uint32_t>(text.chars == nullptr ? 0xFFFFu : 0u)) * 16777619u;
+    for (int32_t i = 0; i < text.length; ++i) hash = (hash ^ text.chars[i]) * 16777619u;
+    return hash;
+}
+
+}  // namespace
+
+kstd_result SectionReader::describedInfo(const Header& header, const kstd_persistentPropertyInfo** info) {
+    *info = nullptr;
+    uint32_t hash = mix(mix(2166136261u, header.name), header.typeName);
+    hash = (hash ^ (header.derivation * 31u + header.dataAccess)) * 16777619u;
+    CachedInfo& slot = infoCache_[(hash ^ (hash >> 15)) % infoSlots];
+    if (slot.used) {
+        const kstd_persistentPropertyInfo* cached = slot.info.get();
+        const char16_t* typeName = nullptr;
+        uint32_t derivation = 0;
+        if (cached->dataAccess == header.dataAccess &&
+            sameText(cached->name.chars, cached->name.length, header.name.chars, header.name.length) &&
+            kstd_persistentType_getTypeName(&cached->type, &typeName) >= 0 && typeName != nullptr &&
+            kstd_persistentType_getTypeDerivation(&cached->type, &derivation) >= 0 &&
+            derivation == header.derivation &&
+            sameText(typeName, static_cast<int32_t>(std::char_traits<char16_t>::length(typeName)),
+                     header.typeName.chars, header.typeName.length)) {
+            *info = cached;
+            return 0;
+        }
+    }
+    KFMT_TRY(slot.info.status());
+    slot.used = false;
+    KFMT_TRY(kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(
+        slot.info.get(), header.name.chars, header.typeName.chars, header.derivation, header.dataAccess));
+    slot.used = true;
+    *info = slot.info.get();
     return 0;
 }
 
@@ -92,12 +137,11 @@ kstd_result SectionReader::describe(const Header& header, int64_t offset) {
     }
 
     kstd_persistentPropertyNodeSection* section = section_.get();
+    described_ = nullptr;
     kstd_result result = kstd_persistentPropertyNodeSection_reset(section);
+    if (result >= 0) result = describedInfo(header, &described_);
     if (result >= 0)
-        result = kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(
-            info_.get(), header.name.chars, header.typeName.chars, header.derivation, header.dataAccess);
-    if (result >= 0)
-        result = kstd_persistentPropertyNodeSection_setObjectInfo(section, info_.get(), info_.get(), k.hasId ? 1 : 0,
+        result = kstd_persistentPropertyNodeSection_setObjectInfo(section, described_, described_, k.hasId ? 1 : 0,
                                                                   header.id, k.leafKind, k.arrayKind,
                                                                   counted ? header.count : 0, k.isDeleted ? 1 : 0);
     if (result < 0) return reject(result, offset, "the library refused the node's descriptor");
@@ -113,9 +157,9 @@ kstd_result SectionReader::describe(const Header& header, int64_t offset) {
             // without an object when the type is registered; otherwise the
             // node keeps no value (a start at once ended).
             uint32_t isKnown = 0;
-            kstd_persistentType_getIsKnown(&info_->type, &isKnown);
+            kstd_persistentType_getIsKnown(&described_->type, &isKnown);
             if (isKnown != 0) {
-                result = kstd_persistentVariant_resetType(value_.get(), &info_->type);
+                result = kstd_persistentVariant_resetType(value_.get(), &described_->type);
                 if (result >= 0) result = kstd_persistentPropertyNodeSection_setLeafPropertyValue(section, value_.get());
             } else {
                 startEnd_ = true;
@@ -142,7 +186,8 @@ kstd_result SectionReader::describe(const Header& header, int64_t offset) {
 kstd_result SectionReader::prepareValue(int32_t coreId, uint32_t* category) {
     *category = 0;
     if (coreId < 0) {
-        if (header_.derivation != 0 || cores_.idOfName(header_.typeName.chars, &coreId) < 0)
+        // The descriptor already names the declared type: no second look-up.
+        if (header_.derivation != 0 || cores_.idOfType(&described_->type, &coreId) < 0)
             return reject(kfmt_result_badValue, offset_, "a value whose declared type is no core type, without its own type");
     }
     CoreFacts facts;
@@ -183,7 +228,7 @@ kstd_result SectionReader::beginItems(int32_t coreId, uint32_t* category) {
     uint32_t elementSize = 0;
     const int32_t count = static_cast<int32_t>(header_.count);
     kstd_result result;
-    if (sameType(arrayType, &info_->type)) {
+    if (sameType(arrayType, &described_->type)) {
         result = kstd_persistentPropertyNodeSection_setPropertyArrayAndAlloc(section, count, &first, &elementSize);
     } else {
         // Items of another type than the declared one: the array is made

@@ -75,6 +75,10 @@ private:
         int64_t expectedItems;  // -1: not a list
     };
     kstd_result addNode(bool isLeaf, bool isStartEnd);
+    // The descriptor of a header's name, type name, derivation and access:
+    // made once for each distinct combination (kept in a small cache with
+    // one slot per hash), so the registry is not asked again for every node.
+    kstd_result describedInfo(const Header& header, const kstd_persistentPropertyInfo** info);
     kstd_result noteIds(int64_t offset);
     kstd_result progress();
 
@@ -82,7 +86,14 @@ private:
     const kfmt_options& options_;
     Input& input_;
     Section section_;
-    Info info_;
+
+    struct CachedInfo {
+        Info info;
+        bool used = false;
+    };
+    static constexpr size_t infoSlots = 128;
+    CachedInfo infoCache_[infoSlots];
+    const kstd_persistentPropertyInfo* described_ = nullptr;  // of the section being described
     Variant value_;
     CoreTypes cores_;
     Buffer<Open> open_;

@@ -61,8 +61,15 @@ kstd_result CoreTypes::idOfName(const char16_t* name, int32_t* coreId) {
     Type type;
     KFMT_TRY(type.status());
     if (kstd_persistentTypeGetType(name, 0, 1, type.get()) < 0) return kfmt_result_badValue;
+    return idOfType(type.get(), coreId);
+}
+
+kstd_result CoreTypes::idOfType(const kstd_persistentType* type, int32_t* coreId) {
+    *coreId = -1;
+    uint32_t isKnown = 0;
+    if (kstd_persistentType_getIsKnown(type, &isKnown) < 0 || isKnown == 0) return kfmt_result_badValue;
     int32_t id = -2;
-    if (kstd_persistentType_getCoreTypeId(type.get(), &id) < 0 || id < 0) return kfmt_result_badValue;
+    if (kstd_persistentType_getCoreTypeId(type, &id) < 0 || id < 0) return kfmt_result_badValue;
     KFMT_TRY(load(id));
     *coreId = id;
     return 0;

@@ -43,6 +43,8 @@ public:
     // The core id of a registered type name (derivation 0); badValue when
     // the name is not a core type.
     kstd_result idOfName(const char16_t* name, int32_t* coreId);
+    // The same for a type already looked up (derivation 0).
+    kstd_result idOfType(const kstd_persistentType* type, int32_t* coreId);
 
 private:
     kstd_result load(int32_t coreId);

@@ -1,5 +1,5 @@
 // Writing a tree: the processor walks it and calls the visitor below for
-// every node; the visitor turns the node into a section and hands it to the
+// every node; the visitor describes the node as a section and hands it to the
 // format's encoder. The processor expands arrays of other items of a
 // decomposed tree item by item; nothing here recurses.
 #include "writer.hpp"
@@ -10,7 +10,6 @@ namespace {
 struct Walk {
     Encoder* encoder = nullptr;
     Output* output = nullptr;
-    Section section;
     CoreTypes cores;
     StringConst holder;
     ArrayCursor cursor;
@@ -37,31 +36,31 @@ kstd_result textOf(const kstd_persistentPropertyInfo* info, Text* name, Text* ty
     return 0;
 }
 
-// Takes the section apart into `view`.
+// Takes the node apart into `view`: the fields a section made from it would
+// hold, read in place rather than copied into a section first.
 kstd_result describe(Walk& walk, const kstd_persistentPropertyNode* node, uint32_t sectionType, NodeView& view) {
-    kstd_persistentPropertyNodeSection* section = walk.section.get();
-    KFMT_TRY(kstd_persistentPropertyNodeSection_assignNode(section, node, sectionType));
+    const kstd_persistentPropertyInfo* info = &node->info;
+    const kstd_persistentVariant* value = &node->leafProperty.value;
     view = NodeView{};
     view.sectionType = sectionType;
-    view.kinds = kindsOf(section->flags);
-    view.id = section->objectId;
-    view.numItems = section->numItems;
-    KFMT_TRY(textOf(&section->info, &view.name, &view.typeName));
-    KFMT_TRY(kstd_persistentPropertyInfo_getTypeDerivation(&section->info, &view.derivation));
-    KFMT_TRY(kstd_persistentPropertyInfo_getDataAccess(&section->info, &view.dataAccess));
+    view.kinds = kindsOf(node->flags);
+    view.id = node->objectId;
+    view.numItems = node->numItems;
+    KFMT_TRY(textOf(info, &view.name, &view.typeName));
+    KFMT_TRY(kstd_persistentPropertyInfo_getTypeDerivation(info, &view.derivation));
+    KFMT_TRY(kstd_persistentPropertyInfo_getDataAccess(info, &view.dataAccess));
     if (view.kinds.hasId && view.id < 0) return kstd_persistentResult_objectIdNotFound;
     if (view.kinds.leafKind == 1) {
-        const kstd_persistentVariant* value = &section->property.value;
         KFMT_TRY(kstd_persistentType_getCoreTypeId(&value->type, &view.valueCoreId));
         CoreFacts facts;
         if (walk.cores.facts(view.valueCoreId, &facts) < 0) return kfmt_result_notStorable;
         KFMT_TRY(scalarOfVariant(value, facts.category, walk.holder, &view.scalar));
-        view.valueTypeDiffers = !sameType(&section->info.type, &value->type);
+        view.valueTypeDiffers = !sameType(&info->type, &value->type);
     } else if (view.kinds.leafKind == 0 && view.kinds.arrayKind == 1) {
         KFMT_TRY(walk.cursor.open(node, walk.cores));
         view.items = &walk.cursor;
         view.numItems = walk.cursor.count();
-        view.itemTypeDiffers = !sameType(&section->info.type, &section->property.value.type);
+        view.itemTypeDiffers = !sameType(&info->type, &value->type);
     }
     return 0;
 }
@@ -156,7 +155,6 @@ extern "C" KFMT_API kstd_result kfmt_writeTree(kstd_persistentPropertyTree* tree
     kstd_result result = createObject(&output, sink);
     if (result >= 0) result = output->init();
     if (result >= 0) result = createObject(&walk);
-    if (result >= 0) result = walk->section.status();
     if (result >= 0) result = makeEncoder(format, *output, &encoder);
     if (result < 0) return fail(report, result, -1, "cannot set up the writer");
     walk->encoder = encoder;

@@ -100,9 +100,10 @@ VEXPERS_EXPORT kstd_result kstd_persistentPropertyNodeSection_setObjectInfo(
     VEXPERS_REQUIRE(section != nullptr);
     VEXPERS_REQUIRE(info != nullptr);
     VEXPERS_REQUIRE(objectInfo != nullptr);
-    {
-        // The object's type must be one the registry can name; nothing else
-        // is taken from it.
+    // The object's type must be one the registry can name; nothing else is
+    // taken from it. A descriptor that already shares a record was named by
+    // the registry when it was made, so only an empty one is looked up.
+    if (objectInfo->type.record.shared == nullptr) {
         const char16_t* typeName = nullptr;
         uint32_t derivation = 0;
         VEXPERS_TRY(kstd_persistentPropertyInfo_getTypeName(objectInfo, &typeName));

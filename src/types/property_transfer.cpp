@@ -56,7 +56,18 @@ bool givesValue(const kstd_persistentPropertyAccessorSlots& slots) {
 kstd_result storeThroughEntries(std::span<PropertyInfoEntry> entries, void* object, kstd_persistentPropertyBag* bag) {
     VEXPERS_TRY(vexpers::property::reserveSlots(bag, static_cast<int32_t>(entries.size())));
     for (PropertyInfoEntry& entry : entries) {
+        const kstd_persistentPropertyAccessorSlots& slots = entry.accessors.slots;
         bool stored = false;
+        if (slots.storeAccessor == nullptr && givesValue(slots)) {
+            // The property takes the entry's own name: read it straight into
+            // the bag's next slot instead of through the spare property.
+            VEXPERS_TRY(vexpers::property::resolveEntry(&entry));
+            if (!vexpers::property::entryIsResolved(entry)) return kstd_persistentResult_typeNotRegistered;
+            VEXPERS_TRY(vexpers::property::addWith(bag, entry.info.name.chars, [&](kstd_persistentProperty* slot) {
+                return readEntryProperty(&entry, object, &stored, slot);
+            }));
+            continue;
+        }
         VEXPERS_TRY(readEntryProperty(&entry, object, &stored, &bag->spareProperty));
         if (stored) VEXPERS_TRY(kstd_persistentPropertyBag_addProperty(bag, &bag->spareProperty));
     }

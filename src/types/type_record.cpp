@@ -123,8 +123,8 @@ namespace vexpers::types {
 
 kstd_result resolveRecord(const kstd_persistentType* type, bool mustBeRegistered, const Record** record) {
     *record = nullptr;
-    const void* whole = nullptr;
-    VEXPERS_TRY(kstd_ptrhConst_getWholeShared(&type->record, &whole));
+    const kstd_shared* shared = type->record.shared;
+    const void* whole = shared != nullptr ? shared->whole : nullptr;
     if (whole == nullptr) return kstd_persistentResult_typeEmpty;
     const auto* found = static_cast<const Record*>(whole);
     if (mustBeRegistered && found->isKnown == 0) return kstd_persistentResult_typeNotRegistered;
