@@ -73,24 +73,4 @@ TEST(PropertyInfo, SettingTypes) {
     EXPECT_EQ(kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(info, u"bad", u"", 0, 2), C6);
 }
 
-// Schemas compare their sets descriptor by descriptor, the descriptors'
-// indexes included even when the schema's own index is ignored.
-TEST(PropertyInfo, Schemas) {
-    Info a(u"a", kstd_persistentCoreTypeId_int), b(u"b", kstd_persistentCoreTypeId_int);
-    kstd_persistentTypeSchema first, second;
-    kstd_persistentTypeSchema_construct(&first);
-    kstd_persistentTypeSchema_construct(&second);
-    for (kstd_persistentTypeSchema* schema : {&first, &second}) {
-        kstd_vector_kstd_persistentPropertyInfo_pushBack(&schema->infoSet.infos, a);
-        kstd_vector_kstd_persistentPropertyInfo_pushBack(&schema->infoSet.infos, b);
-    }
-    second.globalIndex = 3;
-    EXPECT_EQ(outOf<uint32_t>(0, kstd_persistentTypeSchema_compareEqual, &first, &second), 0u);
-    EXPECT_EQ(outOf<uint32_t>(0, kstd_persistentTypeSchema_compareEqualIgnoreGlobalIndex, &first, &second), 1u);
-    static_cast<kstd_persistentPropertyInfo*>(second.infoSet.infos.base.begin)[1].globalIndex = 0;
-    EXPECT_EQ(outOf<uint32_t>(0, kstd_persistentTypeSchema_compareEqualIgnoreGlobalIndex, &first, &second), 0u);
-    kstd_persistentTypeSchema_destruct(&first);
-    kstd_persistentTypeSchema_destruct(&second);
-}
-
 }  // namespace
