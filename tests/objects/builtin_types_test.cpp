@@ -46,43 +46,6 @@ TEST(BuiltinTypesDeathTest, RegistrationOnFirstUse) {
     EXPECT_EXIT(std::exit(sharedPointerFirst() ? 0 : 1), testing::ExitedWithCode(0), "");
 }
 
-// The family is expanded from one list; a shared pointer and a vector of
-// records prove the expansion.
-TEST(BuiltinTypes, ObjectTypesWithOneProperty) {
-    struct Builtin {
-        const char16_t* name;
-        kstd_result (*getType)(kstd_persistentType*, uint32_t);
-        const char16_t* itemType;  // null for the shared pointers
-    };
-    const Builtin builtins[] = {
-        {u"kstd_ptrhConst", kstd_persistentTypeGetType_kstd_ptrhConst, nullptr},
-        {u"kstd_vector_kstd_unicodeString", kstd_persistentTypeGetType_kstd_vector_kstd_unicodeString,
-         u"kstd_unicodeString"},
-    };
-    for (const Builtin& builtin : builtins) {
-        SCOPED_TRACE(ascii(builtin.name));
-        Type type;
-        Variant value;
-        ASSERT_EQ(builtin.getType(type, 1), 0);
-        EXPECT_EQ(nameOf(type), builtin.name);
-
-        // The type describes its one property from its entries.
-        kstd_persistentPropertyInfoSet set;
-        ASSERT_EQ(kstd_persistentPropertyInfoSet_construct(&set), 0);
-        ASSERT_EQ(kstd_persistentType_getPersistentPropertyInfoSet(type, &set), 0);
-        ASSERT_EQ(set.infos.base.size, 1);
-        const auto* info = static_cast<const kstd_persistentPropertyInfo*>(set.infos.base.begin);
-        EXPECT_EQ(ascii(info->name.chars), builtin.itemType ? "items" : "ptr");
-        EXPECT_EQ(nameOf(info->type), builtin.itemType ? builtin.itemType : u"void");
-        EXPECT_EQ(derivationOf(&info->type), builtin.itemType ? 2u : 1u);
-        kstd_persistentPropertyInfoSet_destruct(&set);
-
-        // Setting a property by name is not offered, and does not recurse.
-        kstd_vector32s object;
-        EXPECT_EQ(kstd_persistentType_setObjectPropertyFromVariant(type, &object, u"items", value), CA);
-    }
-}
-
 TEST(BuiltinTypes, NewSharedPointerClonesShareTheObject) {
     startModule();
     Type ptrh;
@@ -111,15 +74,12 @@ TEST(BuiltinTypes, PropertyAndBagMembers) {
     startModule();
     Type type;
     kstd_persistentTypeGetType_kstd_vector16s(type, 1);
-    kstd_persistentTypeGetType_kstd_ptrh(type, 1);
     // Run once before counting: the registry interns the property names for good.
     auto scenario = [] {
         using Shorts = Owned<kstd_vector16s, kstd_vector16s_construct, kstd_vector16s_destruct>;
         Shorts items, copy;
         Owned<kstd_vector16, kstd_vector16_construct, kstd_vector16_destruct> other;
-        SharedPointer pointer, target;
         Bag bag;
-        Property property;
         kstd_vector16s_pushBack(items, -3);
         ASSERT_EQ(kstd_persistentPropertyBag_addValue_kstd_vector16s(bag, u"items", 5, items), 0);
         const kstd_vector16s* held = nullptr;
@@ -132,12 +92,6 @@ TEST(BuiltinTypes, PropertyAndBagMembers) {
         EXPECT_EQ(copy->base.size, 1);
         // No conversion between object types.
         EXPECT_EQ(kstd_persistentPropertyBag_getValue_kstd_vector16(bag, u"items", nullptr, other), CA);
-
-        // A property holding a shared pointer shares nothing: it borrows.
-        ASSERT_EQ(kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(property, u"owner", 2, pointer), 0);
-        EXPECT_EQ(outOf<const kstd_ptrh*>(0, kstd_persistentProperty_getValuePtrConst_kstd_ptrh, property),
-                  &pointer.v);
-        EXPECT_EQ(kstd_persistentProperty_getValue_kstd_ptrh(property, target), 0);
     };
     scenario();
     LiveBlockCheck leaks;

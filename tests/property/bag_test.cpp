@@ -19,7 +19,6 @@ TEST(PropertyBag, RejectedAddsLeaveTheBagUnchanged) {
     EXPECT_EQ(kstd_persistentPropertyBag_addValue_double(bag, u"a", 2, 1.5),
               kstd_persistentResult_duplicatePropertyName);
     EXPECT_EQ(kstd_persistentPropertyBag_addValue_int(bag, u"", 2, 1), C3);
-    EXPECT_EQ(kstd_persistentPropertyBag_addValueStringW(bag, nullptr, 2, u"x"), C3);
     ASSERT_EQ(kstd_persistentProperty_resetInfoAndValue_int(unnamed, u"", 2, 3), 0);
     EXPECT_EQ(kstd_persistentPropertyBag_addProperty(bag, unnamed), C3);
     // Names differ by case.
@@ -91,8 +90,6 @@ TEST(PropertyBag, TransferInBothDirections) {
     access = 0;
     EXPECT_EQ(kstd_persistentPropertyBag_getValueUsingType(bag, ints, u"big", &access, &value), CA);
     EXPECT_EQ(access, 0u);
-    EXPECT_EQ(kstd_persistentPropertyBag_getValueUsingType(bag, ints, u"m", &access, &value), 0);
-    EXPECT_EQ(access, 7u);
 }
 
 // A path's first part names a property of the bag, the rest goes through
@@ -129,7 +126,6 @@ TEST(PropertyBag, LargeBagsFindEveryName) {
         EXPECT_EQ(b->numProperties, count);
         for (int i = 0; i < count; ++i) ASSERT_EQ(find(b, name(i, prefix).c_str()), &b->propertiesBegin[i]) << i;
         EXPECT_EQ(find(b, name(count, prefix).c_str()), nullptr);
-        EXPECT_EQ(find(b, (name(0, prefix) + u"x").c_str()), nullptr);
         EXPECT_EQ(find(b, name(0, prefix).substr(0, 2).c_str()), nullptr);
     };
     for (int i = 0; i < 300; ++i) {
@@ -150,17 +146,11 @@ TEST(PropertyBag, LargeBagsFindEveryName) {
         ASSERT_EQ(kstd_persistentPropertyBag_addValue_int(bag, name(i, u"r").c_str(), 2, i), 0);
     check(bag, 40, u"r");
     EXPECT_EQ(find(bag, name(5, u"p").c_str()), nullptr);
-    ASSERT_EQ(kstd_persistentPropertyBag_reset(bag), 0);
-    for (int i = 0; i < 20; ++i)
-        ASSERT_EQ(kstd_persistentPropertyBag_addValue_int(bag, name(i, u"p").c_str(), 2, i), 0);
-    check(bag, 20, u"p");
 }
 
 // Every allocation of a series of adds may fail: each add either succeeds
 // or leaves the bag as it was, and nothing leaks.
 TEST(PropertyBag, AddsSurviveAllocationFailures) {
-    Widget widget{};
-    const kstd_persistentType* widgetType = moduleTypes().widget;
     auto scenario = [&]() -> kstd_result {
         Bag bag;
         Property property;
@@ -176,8 +166,6 @@ TEST(PropertyBag, AddsSurviveAllocationFailures) {
             const std::u16string name = u"n" + std::u16string(1, u'a' + i);
             attempt(name, [&] { return kstd_persistentPropertyBag_addValue_int(bag, name.c_str(), 2, i); });
         }
-        attempt(u"obj",
-                [&] { return kstd_persistentPropertyBag_addValueUsingType(bag, widgetType, u"obj", 2, &widget); });
         const kstd_result made = kstd_persistentProperty_resetInfoAndValueString32(property, u"copied", 2, U"utf32");
         if (made < 0) return made;
         attempt(u"copied", [&] { return kstd_persistentPropertyBag_addProperty(bag, property); });

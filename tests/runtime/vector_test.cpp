@@ -188,7 +188,6 @@ TEST(Vector, PlainBytesOwnElementsAndRanges) {
 
     const int32_t seven = 7;
     EXPECT_EQ(kstd_vector__insert(&v, 4, &seven), ksys_result_notFound);
-    EXPECT_EQ(kstd_vector__resize(&v, -1), ksys_result_invalidSize);
     EXPECT_EQ(kstd_vector__resize(&v, int64_t(1) << 62), ksys_result_outOfMemory);
     EXPECT_EQ(values(), (std::vector<int32_t>{4, 2, 3}));
     kstd_vector__destruct(&v);

@@ -51,24 +51,6 @@ TEST(StringConst, NullEmptyTextAndHash) {
     EXPECT_EQ(leaks.leaked(), 0);
 }
 
-TEST(StringConst, CopiesShareHoldersAndEmptyCopiesPointAtThemselves) {
-    LiveBlockCheck leaks;
-    {
-        Text copy, emptyCopy;
-        {
-            Text source(u"shared"), emptySource(u"");
-            ASSERT_EQ(kstd_stringConst_assign(&copy.value, &source.value), 0);
-            EXPECT_EQ(copy.chars(), source.chars()) << "a copy shares the characters";
-            ASSERT_EQ(kstd_stringConst_assign(&emptyCopy.value, &emptySource.value), 0);
-            kstd_stringConst_assignString(&source.value, u"changed");
-            EXPECT_EQ(std::u16string(copy.chars()), u"shared");
-        }
-        EXPECT_EQ(std::u16string(copy.chars()), u"shared") << "the holder survives the source";
-        EXPECT_EQ(emptyCopy.chars(), &emptyCopy.value.emptyChar);
-    }
-    EXPECT_EQ(leaks.leaked(), 0);
-}
-
 // Null orders before empty; units compare unsigned.
 TEST(StringConst, ComparisonOrder) {
     const std::tuple<const char16_t*, const char16_t*, int32_t> cases[] = {

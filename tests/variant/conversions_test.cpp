@@ -73,6 +73,7 @@ TEST(VariantConversions, ReaderTableRowByRow) {
         {"character", core(kstd_persistentCoreTypeId_char), {CA, 0}, {CA, 0}, {CD, 0}, {CD, 0}, {CD, 0}},
         {"object", object(&anObject), {CD, 0}, {CD, 0}, {CD, 0}, {CD, 0}, {CD, 0}},
         {"int of derivation 4", handMade(0, 4), {CB, 0}, {CB, 0}, {CB, 0}, {CB, 0}, {CB, 0}},
+        {"category 9", handMade(9, 0), {CB, 0}, {CB, 0}, {CB, 0}, {CB, 0}, {CB, 0}},
         {"array of double", core(kstd_persistentCoreTypeId_double, 2), {CD, 0}, {CD, 0}, {CD, 0}, {CD, 0}, {CD, 0}},
         {"reserved k_Int128", core(kstd_persistentCoreTypeId_k_Int128), {CA, 0}, {CA, 0}, {CA, 0}, {CA, 0}, {CA, 0}},
     };
@@ -123,6 +124,7 @@ TEST(VariantConversions, DoublesAtTheEdgesOfTheirReaders) {
         EXPECT_EQ(fromDouble(E66, -x, kstd_persistentVariant_getValue_float), -FLT_MAX) << x;
     }
     EXPECT_EQ(fromDouble(0, FLT_MAX, kstd_persistentVariant_getValue_float), FLT_MAX);
+    EXPECT_EQ(fromDouble(0, 0.1, kstd_persistentVariant_getValue_float), 0.1f);
     EXPECT_TRUE(std::isnan(fromDouble(0, nan, kstd_persistentVariant_getValue_float)));
     EXPECT_EQ(fromDouble(0, nan, kstd_persistentVariant_getValue_k_Bool), 1);  // a NaN is "not 0"
 }
