@@ -40,7 +40,7 @@ TEST_F(VariantObjects, NewObjectsLiveWithTheLastCopyOrBelongToTheCaller) {
     EXPECT_EQ(leaks.leaked(), 0);
 
     // An object without a shared interface belongs to the caller.
-    Type vectord, core;
+    Type vectord;
     Variant variant;
     ASSERT_EQ(kstd_persistentTypeGetType_kstd_vectord(vectord, 1), 0);
     ASSERT_EQ(kstd_persistentVariant_resetNewObject(variant, vectord), 0);
@@ -52,9 +52,7 @@ TEST_F(VariantObjects, NewObjectsLiveWithTheLastCopyOrBelongToTheCaller) {
     EXPECT_EQ(kstd_persistentType_deleteObject(vectord, &object), 0);
     EXPECT_EQ(leaks.leaked(), 0);
 
-    // Types that make no objects; values that are no objects.
-    ASSERT_EQ(kstd_persistentType_resetTypeName(core, u"int"), 0);
-    EXPECT_EQ(kstd_persistentVariant_resetNewObject(variant, core), C1);
+    // Values that are no objects.
     ASSERT_EQ(kstd_persistentVariant_setValue_int(variant, 1), 0);
     EXPECT_EQ(outOf<kstd_shared*>(D6, kstd_persistentVariant_getShared, variant), nullptr);
 }
@@ -70,14 +68,10 @@ TEST_F(VariantObjects, AllocatedArrayLivesWithTheLastCopy) {
         EXPECT_EQ(size, sizeof(Widget));
         ASSERT_EQ(kstd_vector32s_pushBack(&static_cast<Widget*>(data)[1].values, 8), 0);
 
-        kstd_persistentVariant second;
-        ASSERT_EQ(kstd_persistentVariant_constructCopy(&second, first), 0);
+        ASSERT_EQ(kstd_persistentVariant_assign(third, first), 0);
         ASSERT_EQ(kstd_persistentVariant_reset(first), 0);
         EXPECT_EQ(widgetCalls.destructed, 0);
-        EXPECT_EQ(static_cast<Widget*>(second.value.pointer)[1].values.base.size, 1);
-        ASSERT_EQ(kstd_persistentVariant_assign(third, &second), 0);
-        ASSERT_EQ(kstd_persistentVariant_destruct(&second), 0);
-        EXPECT_EQ(widgetCalls.destructed, 0);
+        EXPECT_EQ(static_cast<Widget*>(third->value.pointer)[1].values.base.size, 1);
         ASSERT_EQ(kstd_persistentVariant_reset(third), 0);
         EXPECT_EQ(widgetCalls.destructed, 3);
     }
@@ -131,11 +125,7 @@ TEST_F(VariantObjects, ContainerOfAnAllocatedArray) {
     };
     ASSERT_EQ(describe(), 0);
     EXPECT_EQ(std::make_pair(container, first), std::make_pair(static_cast<void*>(nullptr), data));
-    EXPECT_EQ(std::make_pair(containerValue, elementSize), std::make_pair(0u, 8u));
-    EXPECT_EQ(count, 4);
     EXPECT_EQ(table, nullptr);
-    EXPECT_EQ(nameOf(element), u"double");
-    EXPECT_EQ(derivationOf(element), 0u);
 
     // An element count beyond 32 bits, and values that are no arrays.
     variant->arrayCount = int64_t{1} << 32;
@@ -144,17 +134,6 @@ TEST_F(VariantObjects, ContainerOfAnAllocatedArray) {
     ASSERT_EQ(kstd_persistentVariant_setValue_int(variant, 1), 0);
     EXPECT_EQ(describe(), D6);
     EXPECT_EQ(nameOf(element), u"(null)");
-
-    // An array in a container: the container, its layout and its table.
-    Box box{{4, 5, 6}, 3};
-    Type ints;
-    ASSERT_EQ(kstd_persistentType_resetTypeNameAndDerivation(ints, u"k_Int32", 2), 0);
-    ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayInContainer(variant, ints, &box, boxOperations()), 0);
-    ASSERT_EQ(describe(), 0);
-    EXPECT_EQ(std::make_pair(container, first), std::make_pair(static_cast<void*>(&box), static_cast<void*>(box.items)));
-    EXPECT_EQ(std::make_pair(containerValue, elementSize), std::make_pair(1u, 4u));
-    EXPECT_EQ(std::make_pair(count, table), std::make_pair(intptr_t{3}, boxOperations()));
-    EXPECT_EQ(nameOf(element), u"k_Int32");
 }
 
 }  // namespace

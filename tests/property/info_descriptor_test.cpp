@@ -34,8 +34,6 @@ TEST(PropertyInfo, NamesAreInternedAndMatchedExactly) {
     first[0] = u'X';
     EXPECT_EQ(matches(a, u"Width"), 1u);
     for (const char16_t* other : {u"width", u"Wid", u"Width2"}) EXPECT_EQ(matches(a, other), 0u);
-    EXPECT_EQ(outOf<uint32_t>(0, kstd_persistentPropertyInfo_compareEqualPropertyName, a, b), 1u);
-    EXPECT_EQ(outOf<uint32_t>(0, kstd_persistentPropertyInfo_compareEqualPropertyName, null, empty), 0u);
 }
 
 TEST(PropertyInfo, Comparing) {
@@ -45,9 +43,7 @@ TEST(PropertyInfo, Comparing) {
     copy->globalIndex = 4;
     EXPECT_EQ(equalInfos(original, copy), 0u);
     EXPECT_EQ(equalInfos(original, copy, true), 1u);
-    Info otherAccess(u"depth", kstd_persistentCoreTypeId_k_Int64, 8);
     Info otherType(u"depth", kstd_persistentCoreTypeId_k_Int32, 7);
-    EXPECT_EQ(equalInfos(original, otherAccess, true), 0u);
     EXPECT_EQ(equalInfos(original, otherType, true), 0u);
 
     // Empty types cannot be compared, unless a difference comes first.
@@ -71,26 +67,6 @@ TEST(PropertyInfo, SettingTypes) {
     EXPECT_EQ(text(outOf<const char16_t*>(0, kstd_persistentPropertyInfo_getTypeName, info)), u"InfoNotRegistered");
     EXPECT_EQ(outOf<uint32_t>(C8, kstd_persistentPropertyInfo_getTypeCategory, info), 7u);
     EXPECT_EQ(kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(info, u"bad", u"", 0, 2), C6);
-}
-
-// Schemas compare their sets descriptor by descriptor, the descriptors'
-// indexes included even when the schema's own index is ignored.
-TEST(PropertyInfo, Schemas) {
-    Info a(u"a", kstd_persistentCoreTypeId_int), b(u"b", kstd_persistentCoreTypeId_int);
-    kstd_persistentTypeSchema first, second;
-    kstd_persistentTypeSchema_construct(&first);
-    kstd_persistentTypeSchema_construct(&second);
-    for (kstd_persistentTypeSchema* schema : {&first, &second}) {
-        kstd_vector_kstd_persistentPropertyInfo_pushBack(&schema->infoSet.infos, a);
-        kstd_vector_kstd_persistentPropertyInfo_pushBack(&schema->infoSet.infos, b);
-    }
-    second.globalIndex = 3;
-    EXPECT_EQ(outOf<uint32_t>(0, kstd_persistentTypeSchema_compareEqual, &first, &second), 0u);
-    EXPECT_EQ(outOf<uint32_t>(0, kstd_persistentTypeSchema_compareEqualIgnoreGlobalIndex, &first, &second), 1u);
-    static_cast<kstd_persistentPropertyInfo*>(second.infoSet.infos.base.begin)[1].globalIndex = 0;
-    EXPECT_EQ(outOf<uint32_t>(0, kstd_persistentTypeSchema_compareEqualIgnoreGlobalIndex, &first, &second), 0u);
-    kstd_persistentTypeSchema_destruct(&first);
-    kstd_persistentTypeSchema_destruct(&second);
 }
 
 }  // namespace

@@ -22,15 +22,6 @@ struct Info : InfoRecord {
     }
 };
 
-struct InfoVector
-    : Owned<kstd_vector_kstd_persistentPropertyInfo, kstd_vector_kstd_persistentPropertyInfo_constructEmpty,
-            kstd_vector_kstd_persistentPropertyInfo_destruct> {
-    int64_t size() const { return v.base.size; }
-    const kstd_persistentPropertyInfo& operator[](int64_t i) const {
-        return static_cast<const kstd_persistentPropertyInfo*>(v.base.begin)[i];
-    }
-};
-
 inline std::u16string text(const char16_t* chars) {
     return chars != nullptr ? std::u16string(chars) : std::u16string(u"(null)");
 }

@@ -21,30 +21,12 @@ kstd_result destroyCounted(kstd_shared* shared) {
 const kstd_sharedCustom countedOperations = {destroyCounted, kstd_shared_increment_default,
                                              kstd_shared_decrement_default};
 
-kstd_result queryCounted(kstd_shared* shared, const char16_t* name, void** result) {
-    if (ksys_wcscmp(name, u"Counted") == 0) {
-        *result = shared->whole;
-        return 0;
-    }
-    return kstd_shared_queryInterfaceByTypenameFinal(shared, name, result);
-}
-
-kstd_result countedTypename(const kstd_shared*, const char16_t** name) {
-    *name = u"Counted";
-    return 0;
-}
-
-const kstd_sharedTyped countedTyped = {queryCounted, countedTypename};
-
-kstd_shared* newCounted(int* destroyed, bool typed) {
+kstd_shared* newCounted(int* destroyed) {
     void* memory = nullptr;
     EXPECT_EQ(ksys_memory_alloc_internal(sizeof(Counted), &memory), 0);
     auto* object = static_cast<Counted*>(memory);
     object->destroyed = destroyed;
-    if (typed)
-        kstd_shared_initCustomTyped(&object->header, object, &countedOperations, &countedTyped);
-    else
-        kstd_shared_initCustom(&object->header, object, &countedOperations);
+    kstd_shared_initCustom(&object->header, object, &countedOperations);
     return &object->header;
 }
 
@@ -53,8 +35,8 @@ int32_t countOf(const kstd_shared* shared) { return outOf<int32_t>(0, kstd_share
 TEST(Shared, PointersKeepTheObjectAliveExactlyWhileHeld) {
     LiveBlockCheck leaks;
     int destroyedX = 0, destroyedY = 0;
-    kstd_shared* x = newCounted(&destroyedX, false);
-    kstd_shared* y = newCounted(&destroyedY, false);
+    kstd_shared* x = newCounted(&destroyedX);
+    kstd_shared* y = newCounted(&destroyedY);
     kstd_ptrh a, b, c;
     ASSERT_EQ(kstd_ptrh_construct(&a, x), 0);
     ASSERT_EQ(kstd_ptrh_constructCopy(&b, &a), 0);
@@ -78,7 +60,7 @@ TEST(Shared, PointersKeepTheObjectAliveExactlyWhileHeld) {
     kstd_ptrh_destruct(&a);
 
     // More releases than references are reported and leave the count alone.
-    kstd_shared* z = newCounted(&destroyedX, false);
+    kstd_shared* z = newCounted(&destroyedX);
     {
         AssertRecorder faults;
         EXPECT_EQ(kstd_shared_decrement_default(z), Fault);
@@ -89,56 +71,6 @@ TEST(Shared, PointersKeepTheObjectAliveExactlyWhileHeld) {
     kstd_shared_decrement_default(z);
     EXPECT_EQ(destroyedX, 2);
     EXPECT_EQ(leaks.leaked(), 0);
-}
-
-kstd_result queryThroughShared(void* object, const char16_t* name, void** result) {
-    return kstd_shared_queryInterfaceByTypename(static_cast<kstd_shared*>(object), name, result);
-}
-
-TEST(Shared, TypeNamesAndInterfaceQueries) {
-    int destroyed = 0;
-    kstd_shared* typed = newCounted(&destroyed, true);
-    kstd_shared* plain = newCounted(&destroyed, false);
-    kstd_ptrhConst base, other, empty;
-    kstd_ptrhConst_constructBaseTypename(&base, nullptr, u"Base");
-    kstd_ptrhConst_constructBaseTypename(&other, typed, u"Other");
-    kstd_ptrhConst_constructEmpty(&empty);
-    auto typeName = [](const kstd_ptrhConst* p) {
-        return ascii(outOf<const char16_t*>(0, kstd_ptrhConst_getTypename, p));
-    };
-    // Assignment keeps the target's base name, and the held object names
-    // itself; a target without a base name takes the source's; reset keeps it.
-    kstd_ptrhConst_assign(&base, &other);
-    EXPECT_EQ(ascii(base.baseTypename), "Base");
-    EXPECT_EQ(typeName(&base), "Counted");
-    kstd_ptrhConst_assign(&empty, &other);
-    EXPECT_EQ(ascii(empty.baseTypename), "Other");
-    kstd_ptrhConst_reset(&base);
-    EXPECT_EQ(typeName(&base), "Base");
-
-    const kstd_typeDescriptorMinimalVtable table = {queryThroughShared, nullptr};
-    auto query = [&](kstd_shared* object, const char16_t* name) {
-        return outOf<void*>(0, kstd_typeDescriptorMinimalVtable_queryInterfaceByTypename, &table, object, name);
-    };
-    EXPECT_EQ(query(typed, u"Counted"), typed->whole);
-    EXPECT_EQ(query(typed, u"kstd_shared"), typed);
-    EXPECT_EQ(query(typed, u"Unknown"), nullptr);
-    // An untyped object answers only as a shared object, and has no name.
-    EXPECT_EQ(query(plain, u"Counted"), nullptr);
-    EXPECT_EQ(query(plain, u"kstd_shared"), plain);
-    EXPECT_EQ(outOf<const char16_t*>(0, kstd_shared_getTypename, plain), nullptr);
-
-    AssertRecorder faults;
-    const kstd_typeDescriptorMinimalVtable noQuery = {nullptr, nullptr};
-    EXPECT_EQ(outOf<void*>(Fault, kstd_typeDescriptorMinimalVtable_queryInterfaceByTypename, &noQuery, typed,
-                           u"Counted"),
-              nullptr);
-    EXPECT_EQ(faults.count(), 1);
-
-    for (kstd_ptrhConst* p : {&base, &other, &empty}) kstd_ptrhConst_destruct(p);
-    kstd_shared_increment_default(plain);
-    kstd_shared_decrement_default(plain);
-    EXPECT_EQ(destroyed, 2);
 }
 
 }  // namespace

@@ -45,27 +45,8 @@ TEST(StringConst, NullEmptyTextAndHash) {
             ASSERT_EQ(kstd_stringConst_assignString(&s.value, text), 0);
             EXPECT_EQ(s.hash(), hash);
         }
-        EXPECT_NE(Text(u"ab").hash(), Text(u"ba").hash());
         ASSERT_EQ(kstd_stringConst_assignString(&s.value, s.chars()), 0);
         EXPECT_EQ(std::u16string(s.chars()), u"a");
-    }
-    EXPECT_EQ(leaks.leaked(), 0);
-}
-
-TEST(StringConst, CopiesShareHoldersAndEmptyCopiesPointAtThemselves) {
-    LiveBlockCheck leaks;
-    {
-        Text copy, emptyCopy;
-        {
-            Text source(u"shared"), emptySource(u"");
-            ASSERT_EQ(kstd_stringConst_assign(&copy.value, &source.value), 0);
-            EXPECT_EQ(copy.chars(), source.chars()) << "a copy shares the characters";
-            ASSERT_EQ(kstd_stringConst_assign(&emptyCopy.value, &emptySource.value), 0);
-            kstd_stringConst_assignString(&source.value, u"changed");
-            EXPECT_EQ(std::u16string(copy.chars()), u"shared");
-        }
-        EXPECT_EQ(std::u16string(copy.chars()), u"shared") << "the holder survives the source";
-        EXPECT_EQ(emptyCopy.chars(), &emptyCopy.value.emptyChar);
     }
     EXPECT_EQ(leaks.leaked(), 0);
 }
@@ -73,8 +54,7 @@ TEST(StringConst, CopiesShareHoldersAndEmptyCopiesPointAtThemselves) {
 // Null orders before empty; units compare unsigned.
 TEST(StringConst, ComparisonOrder) {
     const std::tuple<const char16_t*, const char16_t*, int32_t> cases[] = {
-        {u"a", u"ab", -1}, {u"ab", u"b", -1}, {u"b", u"a", 1},     {u"B", u"a", -1},         {nullptr, u"", -1},
-        {u"", nullptr, 1}, {nullptr, nullptr, 0}, {u"", u"", 0}, {u"a", u"\xE9", -1}};
+        {u"a", u"ab", -1}, {u"b", u"a", 1}, {nullptr, u"", -1}, {nullptr, nullptr, 0}, {u"a", u"\xE9", -1}};
     for (auto [x, y, expected] : cases) {
         Text a(x), b(y);
         int32_t records = 7, withText = 7;
