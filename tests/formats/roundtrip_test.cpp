@@ -1,12 +1,16 @@
-// Round trips through both formats: the round-trip test model is written,
-// read back, written again (the same bytes), and composed into fresh objects
-// equal to the originals, sharing and cycles included; scenes convert between
-// the formats exactly; the exact bytes of a small tree, the dump, and files.
+// Round trips through both formats, the main road through the public
+// interface: the round-trip test model is decomposed, written, read back,
+// written again (the same bytes), and composed into fresh objects equal to
+// the originals, sharing and cycles included, also a deep chain and under
+// allocation failure; scenes convert between the formats exactly; the exact
+// bytes of a small tree, the dump, and files.
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 #include <unistd.h>
 
-#include "formats/format_support.hpp"
+#include "support/format_support.hpp"
+#include "tree/roundtrip_model.hpp"
 
 namespace vexpers::test::formats {
 namespace {
@@ -64,8 +68,9 @@ TEST_P(RoundTrips, RoundTripModelRoundTripsWithStableBytes) {
     EXPECT_EQ(leaks.leaked(), 0);
 }
 
-// A chain nesting 50,000 objects deep (about 100,000 tree levels) is
-// written, read and written again without deep native recursion.
+// A chain nesting 50,000 objects deep (about 100,000 tree levels) is walked
+// over bags, decomposed with one bag, written, read, written again (the same
+// bytes), composed and freed without deep native recursion.
 TEST_P(RoundTrips, DeepChainRoundTrips) {
     warmUp();
     constexpr int32_t length = 50000;
@@ -73,11 +78,26 @@ TEST_P(RoundTrips, DeepChainRoundTrips) {
     rt::newChain(head, length);
     Property root;
     ASSERT_EQ(kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(root, u"chain", 2, head), 0);
+    struct Counts {
+        int32_t deepest = 0, newObjects = 0;
+    } counts;
+    const auto bagVisit = [](void* context, int32_t event, int32_t depth, const kstd_persistentProperty*, int32_t,
+                             int32_t, int32_t, int32_t, int32_t isNew, int32_t) -> kstd_result {
+        auto* c = static_cast<Counts*>(context);
+        c->deepest = std::max(c->deepest, depth);
+        if (event == kstd_persistentPropertyProcessorEvent_propertyBegin && isNew != 0) ++c->newObjects;
+        return 0;
+    };
+    rt::Processor processor;
+    ASSERT_EQ(kstd_persistentPropertyProcessor_processProperty(processor, root, bagVisit, &counts), 0);
+    EXPECT_EQ(counts.newObjects, length);
+    EXPECT_GE(counts.deepest, 2 * length);
     Bytes first, second;
     kfmt_statistics got{};
     {
         Tree decomposed;
         ASSERT_EQ(kstd_persistentPropertyTree_resetDecomposeProperty(decomposed, root), 0);
+        EXPECT_EQ(decomposed->bagSet.numBags, 1);
         ASSERT_EQ(write(decomposed, GetParam(), &first), 0);
     }
     Tree readBack;
@@ -85,8 +105,70 @@ TEST_P(RoundTrips, DeepChainRoundTrips) {
     EXPECT_GE(got.maxDepth, 2 * length);
     ASSERT_EQ(write(readBack, GetParam(), &second), 0);
     EXPECT_EQ(first, second);
-    kstd_persistentPropertyTree_reset(readBack);
+    // Composed as if recursively: a link's after-load entry runs once its
+    // next link is loaded completely and pointed at, so the last link comes
+    // first.
+    SharedPointer composed;
+    rt::linkAfterLoads().clear();
+    ASSERT_EQ(kstd_persistentType_loadPropertyNode(rt::types().ptrh, composed, readBack->firstChild), 0);
+    const std::vector<rt::AfterLoad> loads = std::move(rt::linkAfterLoads());
+    rt::linkAfterLoads().clear();
+    ASSERT_EQ(loads.size(), size_t(length));
+    for (int32_t i = 0; i < length; ++i)
+        if (loads[size_t(i)].value != (i == 0 ? -1 : length - 1 - i) || loads[size_t(i)].hasNext != (i != 0)) {
+            ADD_FAILURE() << "after-load " << i << " gave " << loads[size_t(i)].value;
+            break;
+        }
+    int32_t count = 0;
+    const rt::Link* link = rt::linkOf(composed.v);
+    for (; link != nullptr && link->value == count; link = rt::linkOf(link->next)) ++count;
+    EXPECT_EQ(count, length - 1);
+    ASSERT_NE(link, nullptr);
+    EXPECT_EQ(link->value, -1);
+    EXPECT_EQ(link->next.shared, nullptr);
+    rt::unlinkRecorded(readBack, length);
+    rt::releaseChain(composed);
     rt::releaseChain(head);
+}
+
+// The whole road in the binary format with every allocation failing in
+// turn: decomposing, writing, reading and composing give a code and leak
+// nothing. (The JSON path leaves RapidJSON's own stacks to RapidJSON, which
+// does not survive a failed allocation.)
+TEST(Formats, ModelRoundTripFailsCleanlyAtEveryAllocation) {
+    warmUp();
+    modelRoundTrip(kfmt_format_binary);
+    const int64_t objectsBefore = rt::liveObjects();
+    LiveBlockCheck leaks;
+    {
+        rt::Graph graph;
+        Property root;
+        ASSERT_EQ(kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(root, u"root", 2, graph.a), 0);
+        kstd_persistentPropertyTree *decomposed = nullptr, *readBack = nullptr;
+        SharedPointer copy;
+        const auto clear = [&] {
+            if (readBack != nullptr) rt::unlinkRecorded(readBack, 16);
+            if (rt::Node* a = rt::nodeOf(copy.v)) rt::unlinkNode(a);
+            kstd_ptrh_reset(copy);
+            kstd_persistentPropertyTree_delete(&readBack);
+            kstd_persistentPropertyTree_delete(&decomposed);
+        };
+        const int64_t sites = sweepAllocationFailures(
+            [&]() -> kstd_result {
+                Bytes bytes;
+                RT_TRY(kstd_persistentPropertyTree_new(&decomposed));
+                RT_TRY(kstd_persistentPropertyTree_resetDecomposeProperty(decomposed, root));
+                RT_TRY(write(decomposed, kfmt_format_binary, &bytes));
+                RT_TRY(kstd_persistentPropertyTree_new(&readBack));
+                RT_TRY(read(readBack, bytes));
+                return kstd_persistentType_loadPropertyNode(rt::types().ptrh, copy, readBack->firstChild);
+            },
+            clear);
+        EXPECT_GT(sites, 50);
+        clear();
+    }
+    EXPECT_EQ(rt::liveObjects(), objectsBefore);
+    EXPECT_EQ(leaks.leaked(), 0);
 }
 
 TEST(Formats, ConvertingKeepsTheTreeExactlyAndTheDumpMatchesTheCheckedInText) {

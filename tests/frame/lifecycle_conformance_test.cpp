@@ -24,6 +24,20 @@ void fill(R* record);
 template <class R>
 bool equal(const R* first, const R* second);
 
+// A record filled by one call of its public functions on `r`.
+#define VEXPERS_FILL_BY(R, CALL) \
+    template <>                  \
+    void fill(R* r) {            \
+        ASSERT_EQ(CALL, 0);      \
+    }
+// A record compared by its own comparison.
+#define VEXPERS_EQUAL_BY_COMPARE(R)                                        \
+    template <>                                                            \
+    bool equal(const R* first, const R* second) {                          \
+        uint32_t same = 0;                                                 \
+        return R##_compareEqual(first, second, &same) == 0 && same == 1; \
+    }
+
 bool sameText(const char16_t* first, const char16_t* second) {
     return first == nullptr || second == nullptr ? first == second : ksys_wcscmp(first, second) == 0;
 }
@@ -33,25 +47,11 @@ bool isEmptyType(const kstd_persistentType* type) {
     return kstd_persistentType_getTypeName(type, &name) == kstd_persistentResult_typeEmpty;
 }
 
-template <>
-void fill(kstd_stringConst* string) {
-    ASSERT_EQ(kstd_stringConst_assignString(string, u"interned text"), 0);
-}
-template <>
-bool equal(const kstd_stringConst* first, const kstd_stringConst* second) {
-    uint32_t same = 0;
-    return kstd_stringConst_compareEqual(first, second, &same) == 0 && same == 1;
-}
+VEXPERS_FILL_BY(kstd_stringConst, kstd_stringConst_assignString(r, u"interned text"))
+VEXPERS_EQUAL_BY_COMPARE(kstd_stringConst)
 
-template <>
-void fill(kstd_unicodeString* string) {
-    ASSERT_EQ(kstd_unicodeString_assignStringW(string, u"mutable text"), 0);
-}
-template <>
-bool equal(const kstd_unicodeString* first, const kstd_unicodeString* second) {
-    uint32_t same = 0;
-    return kstd_unicodeString_compareEqual(first, second, &same) == 0 && same == 1;
-}
+VEXPERS_FILL_BY(kstd_unicodeString, kstd_unicodeString_assignStringW(r, u"mutable text"))
+VEXPERS_EQUAL_BY_COMPARE(kstd_unicodeString)
 
 template <>
 void fill(kstd_stringConstTable* table) {
@@ -76,10 +76,7 @@ bool equal(const kstd_stringConstTable* first, const kstd_stringConstTable* seco
     return true;
 }
 
-template <>
-void fill(kstd_persistentType* type) {
-    ASSERT_EQ(kstd_persistentType_resetCoreTypeId(type, kstd_persistentCoreTypeId_double), 0);
-}
+VEXPERS_FILL_BY(kstd_persistentType, kstd_persistentType_resetCoreTypeId(r, kstd_persistentCoreTypeId_double))
 template <>
 bool equal(const kstd_persistentType* first, const kstd_persistentType* second) {
     if (isEmptyType(first) || isEmptyType(second)) return isEmptyType(first) && isEmptyType(second);
@@ -135,22 +132,14 @@ void fill(kstd_persistentPropertyInfoSet* set) {
     EXPECT_EQ(kstd_vector_kstd_persistentPropertyInfo_pushBack(&set->infos, &info), 0);
     EXPECT_EQ(kstd_persistentPropertyInfo_destruct(&info), 0);
 }
-template <>
-bool equal(const kstd_persistentPropertyInfoSet* first, const kstd_persistentPropertyInfoSet* second) {
-    uint32_t same = 0;
-    return kstd_persistentPropertyInfoSet_compareEqual(first, second, &same) == 0 && same == 1;
-}
+VEXPERS_EQUAL_BY_COMPARE(kstd_persistentPropertyInfoSet)
 
 template <>
 void fill(kstd_persistentTypeSchema* schema) {
     fill(&schema->infoSet);
     schema->globalIndex = 4;
 }
-template <>
-bool equal(const kstd_persistentTypeSchema* first, const kstd_persistentTypeSchema* second) {
-    uint32_t same = 0;
-    return kstd_persistentTypeSchema_compareEqual(first, second, &same) == 0 && same == 1;
-}
+VEXPERS_EQUAL_BY_COMPARE(kstd_persistentTypeSchema)
 
 template <>
 void fill(kstd_persistentPropertyInfoTable* table) {
@@ -177,10 +166,7 @@ bool equal(const kstd_persistentPropertyInfoTable* first, const kstd_persistentP
     return same;
 }
 
-template <>
-void fill(kstd_persistentVariant* variant) {
-    ASSERT_EQ(kstd_persistentVariant_setValueStringW(variant, u"held text"), 0);
-}
+VEXPERS_FILL_BY(kstd_persistentVariant, kstd_persistentVariant_setValueStringW(r, u"held text"))
 template <>
 bool equal(const kstd_persistentVariant* first, const kstd_persistentVariant* second) {
     const char16_t *a = nullptr, *b = nullptr;
@@ -191,10 +177,7 @@ bool equal(const kstd_persistentVariant* first, const kstd_persistentVariant* se
            first->sharedObject.shared == second->sharedObject.shared && first->arrayCount == second->arrayCount;
 }
 
-template <>
-void fill(kstd_persistentProperty* property) {
-    ASSERT_EQ(kstd_persistentProperty_resetInfoAndValueStringW(property, u"title", 3, u"a title"), 0);
-}
+VEXPERS_FILL_BY(kstd_persistentProperty, kstd_persistentProperty_resetInfoAndValueStringW(r, u"title", 3, u"a title"))
 template <>
 bool equal(const kstd_persistentProperty* first, const kstd_persistentProperty* second) {
     return equal(&first->info, &second->info) && equal(&first->value, &second->value);
@@ -364,23 +347,22 @@ void checkFamily(const Family<R>& f) {
         EXPECT_EQ(heap, nullptr) << #R;                                                  \
     }
 
+template <class R, kstd_result (*Construct)(R*), kstd_result (*Destruct)(R*)>
+void warm() {
+    R record;
+    Construct(&record);
+    fill(&record);
+    Destruct(&record);
+}
+
 TEST(LifecycleConformance, EveryRecordFollowsTheFamily) {
     // Start the registry, the variant's cache of core types and the interned
     // names used below first: they are made once per process, not by the
     // records.
-    kstd_persistentProperty warm;
-    kstd_persistentProperty_construct(&warm);
-    fill(&warm);
-    kstd_persistentProperty_destruct(&warm);
-    kstd_persistentPropertyInfoSet warmSet;
-    kstd_persistentPropertyInfoSet_construct(&warmSet);
-    fill(&warmSet);
-    kstd_persistentPropertyInfoSet_destruct(&warmSet);
-    kstd_persistentPropertyBag warmBag;
-    kstd_persistentPropertyBag_construct(&warmBag);
-    fill(&warmBag);
-    kstd_persistentPropertyBag_destruct(&warmBag);
-
+    warm<kstd_persistentProperty, kstd_persistentProperty_construct, kstd_persistentProperty_destruct>();
+    warm<kstd_persistentPropertyInfoSet, kstd_persistentPropertyInfoSet_construct,
+         kstd_persistentPropertyInfoSet_destruct>();
+    warm<kstd_persistentPropertyBag, kstd_persistentPropertyBag_construct, kstd_persistentPropertyBag_destruct>();
     LiveBlockCheck leaks;
     VEXPERS_RECORD(kstd_stringConst)
     VEXPERS_RECORD(kstd_unicodeString)

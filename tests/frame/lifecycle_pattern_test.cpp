@@ -1,6 +1,7 @@
 // The generated life-cycle family on a test record whose operations can be
 // made to fail: a failing destruct inside _delete keeps the memory and the
-// caller's pointer, a failing assign inside _newClone deletes the new record.
+// caller's pointer, a failing assign inside _newClone deletes the new record;
+// and what the conformance list does not drive.
 #include "frame/lifecycle.hpp"
 #include "support/test_support.hpp"
 
@@ -63,6 +64,44 @@ TEST(LifecyclePattern, FailingAssignUndoesCloneAndCopy) {
     EXPECT_EQ(clone->value, 42);
     EXPECT_EQ(Probe_delete(&clone), 0);
     EXPECT_EQ(leaks.leaked(), 0);
+}
+
+// On interning tables as representatives: the copy forms under allocation
+// failure, and outputs cleared before the first check.
+TEST(Lifecycle, ConstructorsLeakNothingWhenAllocationFails) {
+    kstd_stringConstTable* table = nullptr;
+    kstd_stringConstTable source;
+    kstd_stringConstTable_construct(&source);
+    kstd_stringConstTable_resetNumBins(&source, 3);
+    kstd_stringConstTable_addString(&source, u"x", nullptr, nullptr, nullptr);
+    vexpers::test::sweepAllocationFailures([&] { return kstd_stringConstTable_newClone(&table, &source); },
+                                           [&] { kstd_stringConstTable_delete(&table); });
+    EXPECT_EQ(table, nullptr);
+    kstd_stringConstTable copy;
+    vexpers::test::sweepAllocationFailures(
+        [&] {
+            const kstd_result result = kstd_stringConstTable_constructCopy(&copy, &source);
+            if (result >= 0) kstd_stringConstTable_destruct(&copy);
+            return result;
+        });
+    kstd_stringConstTable_destruct(&source);
+}
+
+TEST(Lifecycle, OutputsAreClearedEvenWhenTheFirstCheckFails) {
+    vexpers::test::AssertRecorder faults;
+    kstd_stringConstTable table;
+    kstd_stringConstTable_construct(&table);
+    kstd_stringConstTable_resetNumBins(&table, 2);
+    const char16_t* text = u"stale";
+    kstd_stringConst string;
+    kstd_stringConst_construct(&string);
+    kstd_stringConst_assignString(&string, u"stale");
+    EXPECT_EQ(kstd_stringConstTable_getStringById(&table, -1, &string, &text), ksys_result_failure);
+    EXPECT_EQ(text, nullptr);
+    EXPECT_EQ(string.chars, nullptr);
+    EXPECT_EQ(faults.count(), 0);
+    kstd_stringConst_destruct(&string);
+    kstd_stringConstTable_destruct(&table);
 }
 
 }  // namespace

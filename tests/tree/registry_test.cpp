@@ -1,6 +1,6 @@
 // The object registry: taken and free ids and findObject against the
-// linear search it stands in for, the id cap, ids far beyond the vectors,
-// allocation failures; and the tree's copy rule.
+// linear search it stands in for, the id cap, allocation failures; and the
+// tree's copy rule.
 #include <deque>
 #include <random>
 #include <vector>
@@ -77,33 +77,6 @@ TEST_F(RegistryTest, IdsAndFindObjectAnswerAsTheLinearSearch) {
             held.clear();
         }
     }
-}
-
-TEST_F(RegistryTest, IdsFarBeyondTheVectorsAllocateNothingPerUnusedId) {
-    Box a{}, b{};
-    Variant &va = hold(&a), &vb = hold(&b);
-    Variant out;
-    LiveBlockCheck blocks;
-    ASSERT_EQ(kstd_persistentPropertyTree_setObjectWithId(tree, 16777215, va), 0);
-    EXPECT_EQ(length(), 0);
-    EXPECT_LT(blocks.leaked(), 8);
-    ASSERT_EQ(kstd_persistentPropertyTree_getObjectById(tree, 16777215, out), 0);
-    EXPECT_EQ(out->value.pointer, &a);
-    EXPECT_EQ(kstd_persistentPropertyTree_getObjectById(tree, 16777214, out), kstd_persistentResult_objectIdNotFound);
-    EXPECT_EQ(kstd_persistentPropertyTree_setObjectWithId(tree, 16777215, vb), kstd_persistentResult_objectIdTaken);
-    EXPECT_EQ(find(vb), 16777216);
-    EXPECT_EQ(find(va), 16777215);
-
-    // Vectors that grow over an id kept aside take it in.
-    ASSERT_EQ(kstd_persistentPropertyTree_forgetAllObjects(tree), 0);
-    ASSERT_EQ(kstd_persistentPropertyTree_setObjectWithId(tree, 10000, va), 0);
-    EXPECT_EQ(length(), 0);
-    for (int64_t step : {4000, 8000, 12000}) ASSERT_EQ(kstd_persistentPropertyTree_setObjectWithId(tree, step, vb), 0);
-    ASSERT_EQ(length(), 12001);
-    EXPECT_EQ(tree->objects.base.size, 12001);
-    EXPECT_EQ(static_cast<const void* const*>(tree->objectPointers.base.begin)[10000], &a);
-    EXPECT_EQ(kstd_persistentPropertyTree_setObjectWithId(tree, 10000, vb), kstd_persistentResult_objectIdTaken);
-    EXPECT_EQ(find(va), 10000);
 }
 
 TEST_F(RegistryTest, BadIdsObjectsAndCopiesGiveCodes) {

@@ -133,7 +133,7 @@ kstd_result construct(Item* item) {
 }
 kstd_result destruct(Item* item) { return kstd_ptrh_destruct(&item->link); }
 
-// Boxes and counters are plain data.
+// Boxes are plain data.
 template <class T>
 kstd_result construct(T* object) {
     std::memset(object, 0, sizeof(T));
@@ -241,16 +241,6 @@ kstd_result loadItems(void*, void* first, void*, const kstd_persistentType* arra
     return 0;
 }
 
-kstd_result counterLoad(void* object, const kstd_persistentPropertyNode* node) {
-    auto* counter = static_cast<Counter*>(object);
-    RT_TRY(kstd_persistentPropertyNode_getEnumAsInt64(node, u"count", &counter->count));
-    const kstd_persistentPropertyNode* box = nullptr;
-    RT_TRY(kstd_persistentPropertyNode_getMatchingChildConst(node, u"box", 1, &box));
-    Type boxType;
-    RT_TRY(kstd_persistentTypeGetType(u"RtBox", 0, 1, boxType));
-    return kstd_persistentType_loadPropertyNode(boxType, &counter->box, box);
-}
-
 std::vector<AfterLoad> afterLoads;
 kstd_result linkLoaded(void* object) {
     const Link* link = static_cast<const Link*>(object);
@@ -259,16 +249,14 @@ kstd_result linkLoaded(void* object) {
 }
 
 constexpr kstd_persistentValueAccessVtable emptyAccess{};
-constexpr kstd_persistentValueAccessVtable counterAccess{nullptr, nullptr, nullptr, nullptr,    nullptr,
-                                                         nullptr, nullptr, nullptr, counterLoad};
 constexpr kstd_persistentValueAccessVtable linkAccess{nullptr, nullptr, nullptr, nullptr,   nullptr,
                                                       nullptr, nullptr, linkLoaded, nullptr};
 
 // ---- Declared properties ----------------------------------------------------------------
 
 struct Registered {
-    uint32_t colorFlag, colorBitsFlag, boxFlag, itemFlag, linkFlag, nodeFlag, counterFlag, bareFlag;
-    kstd_persistentType color, colorBits, box, boxPointer, item, link, node, nodePointer, ptrh, counter, bare;
+    uint32_t colorFlag, colorBitsFlag, boxFlag, itemFlag, linkFlag, nodeFlag;
+    kstd_persistentType color, colorBits, box, boxPointer, item, link, node, ptrh;
 };
 Registered registered{};
 
@@ -299,22 +287,12 @@ const kstd_persistentPropertyInfoDefinition linkDefinitions[]{
 const kstd_persistentStaticPropertyList linkProperties{linkDefinitions, std::size(linkDefinitions)};
 
 #define RT_NODE_MEMBER(field, typeName) {u"" #field, 2, typeName, 0, member<offsetof(Node, field)>()}
+#define RT_NODE_SCALAR(field, type, typeName) RT_NODE_MEMBER(field, u"" #typeName),
 #define RT_NODE_VECTOR(field, vector, element) \
     {u"" #field, 2, u"" #vector, 0, member<offsetof(Node, field)>(kstd_persistentTypeRegisterType_##vector)},
 
 const kstd_persistentPropertyInfoDefinition nodeDefinitions[]{
-    RT_NODE_MEMBER(i8, u"k_Int8"),
-    RT_NODE_MEMBER(i16, u"k_Int16"),
-    RT_NODE_MEMBER(i32, u"k_Int32"),
-    RT_NODE_MEMBER(i64, u"k_Int64"),
-    RT_NODE_MEMBER(u8, u"k_UInt8"),
-    RT_NODE_MEMBER(u16, u"k_UInt16"),
-    RT_NODE_MEMBER(u32, u"k_UInt32"),
-    RT_NODE_MEMBER(u64, u"k_UInt64"),
-    RT_NODE_MEMBER(flag, u"k_Bool"),
-    RT_NODE_MEMBER(f, u"float"),
-    RT_NODE_MEMBER(d, u"double"),
-    RT_NODE_MEMBER(size, u"size_t"),
+    RT_SCALARS(RT_NODE_SCALAR)
     RT_NODE_MEMBER(name, u"kstd_unicodeString"),
     {u"color", 2, u"RtColor", 0,
      accessors({{0, word(colorValue)}, {8, word(loadAt<offsetof(Node, color)>)}, {10, word(registerColor)}})},
@@ -357,25 +335,10 @@ Types registerModule() {
     EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtNode", &objects<Node>, &emptyAccess, &nodeProperties,
                                                            &minimal<Node>, 0, &registered.nodeFlag, &registered.node),
               0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtCounter", &objects<Counter>, &counterAccess, nullptr, 0,
-                                                    &registered.counterFlag, &registered.counter),
-              0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"RtBare", &objects<Box>, &emptyAccess, nullptr, 0,
-                                                    &registered.bareFlag, &registered.bare),
-              0);
-    for (kstd_persistentType* type : {&registered.ptrh, &registered.nodePointer, &registered.boxPointer})
-        kstd_persistentType_construct(type);
+    for (kstd_persistentType* type : {&registered.ptrh, &registered.boxPointer}) kstd_persistentType_construct(type);
     EXPECT_EQ(kstd_persistentTypeGetType_kstd_ptrh(&registered.ptrh, 1), 0);
-    EXPECT_EQ(kstd_persistentType_assignDifferentDerivation(&registered.nodePointer, &registered.node, 1), 0);
     EXPECT_EQ(kstd_persistentType_assignDifferentDerivation(&registered.boxPointer, &registered.box, 1), 0);
-    return Types{&registered.node,  &registered.nodePointer, &registered.link,    &registered.box, &registered.boxPointer,
-                 &registered.item,  &registered.color,       &registered.counter, &registered.bare, &registered.ptrh};
-}
-
-std::u16string typeNameOf(const kstd_persistentType& type) {
-    const char16_t* name = nullptr;
-    kstd_persistentType_getTypeName(&type, &name);
-    return name != nullptr ? std::u16string(name) : std::u16string();
+    return Types{&registered.node, &registered.box, &registered.boxPointer, &registered.item, &registered.ptrh};
 }
 
 std::u16string textOf(const kstd_unicodeString& text) {
@@ -393,52 +356,6 @@ std::vector<E> elementsOf(const V& vector, kstd_result (*getBeginSize)(const V*,
     return std::vector<E>(begin, begin + size);
 }
 
-// The section of one line.
-kstd_result sectionOf(const Line& line, kstd_persistentPropertyNodeSection* section) {
-    section->sectionType = line.sectionType;
-    if (line.sectionType == kstd_persistentPropertyNodeSectionType_end) return 0;
-    RT_TRY(kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(&section->info, line.name.c_str(),
-                                                                           line.typeName.c_str(), line.derivation, 2));
-    section->flags = line.flags;
-    section->objectId = line.objectId;
-    Type type;
-    if (line.value == Line::Value::integer || line.value == Line::Value::items)
-        RT_TRY(kstd_persistentTypeGetType(line.valueTypeName.c_str(), 0, 1, type));
-    Variant value;
-    switch (line.value) {
-        case Line::Value::none:
-            return 0;
-        case Line::Value::nullPointer:
-            return kstd_persistentPropertyNodeSection_setPropertyPointerNull(section);
-        case Line::Value::integer:
-            RT_TRY(kstd_persistentVariant_setValueUsingType_k_Int64_(value, type, line.integers.at(0)));
-            return kstd_persistentPropertyNodeSection_setLeafPropertyValue(section, value);
-        case Line::Value::items: {
-            if (line.integers.empty()) return kstd_persistentPropertyNodeSection_setPropertyArrayEmpty(section);
-            void* first = nullptr;
-            uint32_t size = 0;
-            RT_TRY(kstd_persistentPropertyNodeSection_setPropertyArrayAndAlloc(
-                section, static_cast<int32_t>(line.integers.size()), &first, &size));
-            for (size_t i = 0; i < line.integers.size(); ++i) {
-                RT_TRY(kstd_persistentVariant_setValueUsingType_k_Int64_(value, type, line.integers[i]));
-                RT_TRY(kstd_persistentVariant_getValueUsingType(value, type, static_cast<char*>(first) + i * size));
-            }
-            return 0;
-        }
-    }
-    return 0;
-}
-
-Line leaf(const char16_t* name, const char16_t* typeName, uint32_t derivation, uint32_t kind) {
-    Line s;
-    s.sectionType = kstd_persistentPropertyNodeSectionType_leaf;
-    s.flags = kstd_persistentPropertyNodeFlag_leaf | kind | kstd_persistentPropertyNodeFlag_hasInfo;
-    s.name = name;
-    s.typeName = typeName;
-    s.derivation = derivation;
-    return s;
-}
-
 }  // namespace
 
 const Types& types() {
@@ -449,16 +366,13 @@ const Types& types() {
     static const bool warm = [] {
         Graph graph;
         Property root;
-        Tree decomposed, rebuilt;
-        Processor processor;
-        Writer writer;
+        Tree tree;
         SharedPointer copy;
         kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(root, u"root", 2, graph.a);
-        kstd_persistentPropertyTree_resetDecomposeProperty(decomposed, root);
-        kstd_persistentPropertyProcessor_processPropertyTree(processor, decomposed, Writer::visit, &writer);
-        EXPECT_EQ(rebuild(writer.sections, rebuilt), 0);
-        EXPECT_EQ(kstd_persistentType_loadPropertyNode(module.ptrh, copy, rebuilt->firstChild), 0);
-        unlinkRecorded(rebuilt, 16);
+        kstd_persistentPropertyTree_resetDecomposeProperty(tree, root);
+        kstd_persistentPropertyTree_forgetAllObjects(tree);
+        EXPECT_EQ(kstd_persistentType_loadPropertyNode(module.ptrh, copy, tree->firstChild), 0);
+        unlinkRecorded(tree, 16);
         if (nodeOf(copy.v) != nullptr) unlinkNode(nodeOf(copy.v));
         return true;
     }();
@@ -467,15 +381,14 @@ const Types& types() {
 }
 
 void newNode(kstd_ptrh* pointer) { newShared<Node>(pointer); }
-void newLink(kstd_ptrh* pointer) { newShared<Link>(pointer); }
 
 void newChain(kstd_ptrh* head, int32_t length) {
-    newLink(head);
+    newShared<Link>(head);
     SharedPointer tail;
     kstd_ptrh_assign(tail, head);
     for (int32_t i = 1; i < length; ++i) {
         linkOf(tail.v)->value = i - 1;
-        newLink(&linkOf(tail.v)->next);
+        newShared<Link>(&linkOf(tail.v)->next);
         kstd_ptrh_assign(tail, &linkOf(tail.v)->next);
     }
     linkOf(tail.v)->value = -1;
@@ -513,7 +426,7 @@ void unlinkRecorded(const kstd_persistentPropertyTree* tree, int64_t ids) {
         if (kstd_persistentPropertyTree_getObjectById(tree, id, recorded) < 0) continue;
         void* whole = nullptr;
         if (kstd_persistentVariant_getWholeObject(recorded, &whole) < 0 || whole == nullptr) continue;
-        const std::u16string name = typeNameOf(recorded->type);
+        const std::u16string name = test::nameOf(recorded->type);
         if (name == u"RtNode") unlinkNode(static_cast<Node*>(whole));
         if (name == u"RtLink") kstd_ptrh_reset(&static_cast<Link*>(whole)->next);
     }
@@ -522,9 +435,9 @@ void unlinkRecorded(const kstd_persistentPropertyTree* tree, int64_t ids) {
 std::string compareValues(const Node& e, const Node& a, bool withItems) {
 #define RT_SAME(field) \
     if (!(e.field == a.field)) return "field " #field;
-    RT_SAME(i8) RT_SAME(i16) RT_SAME(i32) RT_SAME(i64) RT_SAME(u8) RT_SAME(u16) RT_SAME(u32) RT_SAME(u64)
-    RT_SAME(flag) RT_SAME(f) RT_SAME(d) RT_SAME(size) RT_SAME(color) RT_SAME(bits) RT_SAME(box.width)
-    RT_SAME(box.height)
+#define RT_SAME_SCALAR(field, type, typeName) RT_SAME(field)
+    RT_SCALARS(RT_SAME_SCALAR) RT_SAME(color) RT_SAME(bits) RT_SAME(box.width) RT_SAME(box.height)
+#undef RT_SAME_SCALAR
 #undef RT_SAME
     if (withItems && e.items.count != a.items.count) return "item count";
     if (textOf(e.name) != textOf(a.name)) return "field name";
@@ -624,132 +537,6 @@ void expectCopyOf(const Graph& graph, const kstd_ptrh& root) {
     ASSERT_NE(c, nullptr);
     EXPECT_EQ(compareValues(*nodeOf(graph.c.v), *c), "");
     EXPECT_NE(c, b);
-}
-
-Sections::~Sections() {
-    for (kstd_persistentPropertyNodeSection*& section : list) kstd_persistentPropertyNodeSection_delete(&section);
-}
-
-kstd_result Sections::add(kstd_persistentPropertyNodeSection** section) {
-    *section = nullptr;
-    RT_TRY(kstd_persistentPropertyNodeSection_new(section));
-    list.push_back(*section);
-    return 0;
-}
-
-kstd_result Writer::visit(void* context, int32_t event, int32_t, const kstd_persistentPropertyNode* node) {
-    auto* writer = static_cast<Writer*>(context);
-    kstd_persistentPropertyNodeSection* section = nullptr;
-    switch (event) {
-        case kstd_persistentPropertyProcessorEvent_nodeBegin:
-            writer->open.push_back(node);
-            RT_TRY(writer->sections.add(&section));
-            RT_TRY(kstd_persistentPropertyNodeSection_assignNode(section, node,
-                                                                 kstd_persistentPropertyNodeSectionType_start));
-            return kstd_persistentProperty_reset(&section->property);
-        case kstd_persistentPropertyProcessorEvent_leaf:
-        case kstd_persistentPropertyProcessorEvent_coreArray:
-            // An array found empty while its items were expanded: the node
-            // is already open and simply has no items.
-            if (!writer->open.empty() && writer->open.back() == node) return 0;
-            RT_TRY(writer->sections.add(&section));
-            return kstd_persistentPropertyNodeSection_assignNode(section, node,
-                                                                 kstd_persistentPropertyNodeSectionType_leaf);
-        case kstd_persistentPropertyProcessorEvent_nodeEnd:
-            writer->open.pop_back();
-            RT_TRY(writer->sections.add(&section));
-            return kstd_persistentPropertyNodeSection_assignNode(section, node,
-                                                                 kstd_persistentPropertyNodeSectionType_end);
-        default:
-            return ksys_result_failure;
-    }
-}
-
-kstd_result rebuild(const Sections& sections, kstd_persistentPropertyTree* tree) {
-    std::vector<kstd_persistentPropertyNode*> open;
-    for (const kstd_persistentPropertyNodeSection* section : sections.list) {
-        kstd_persistentPropertyNode* node = nullptr;
-        if (section->sectionType == kstd_persistentPropertyNodeSectionType_end) {
-            uint32_t matches = 0;
-            if (open.empty()) return ksys_result_failure;
-            RT_TRY(kstd_persistentPropertyNode_isMatchingEnd(open.back(), section, &matches));
-            if (matches == 0) return ksys_result_failure;
-            RT_TRY(kstd_persistentPropertyNode_endNode(open.back()));
-            open.pop_back();
-        } else if (open.empty()) {
-            RT_TRY(kstd_persistentPropertyTree_allocNextChild(tree, &node));
-            RT_TRY(kstd_persistentPropertyNode_startNode(node, section));
-            if (section->sectionType != kstd_persistentPropertyNodeSectionType_leaf) open.push_back(node);
-        } else if (section->sectionType == kstd_persistentPropertyNodeSectionType_leaf) {
-            RT_TRY(kstd_persistentPropertyNode_addChildLeafNode(open.back(), section));
-        } else {
-            RT_TRY(kstd_persistentPropertyNode_startChildNode(open.back(), section, &node));
-            open.push_back(node);
-        }
-    }
-    return open.empty() ? 0 : ksys_result_failure;
-}
-
-Line start(const char16_t* name, const char16_t* typeName, uint32_t derivation) {
-    Line s;
-    s.sectionType = kstd_persistentPropertyNodeSectionType_start;
-    s.flags = kstd_persistentPropertyNodeFlag_compound | kstd_persistentPropertyNodeFlag_hasInfo;
-    s.name = name;
-    s.typeName = typeName;
-    s.derivation = derivation;
-    return s;
-}
-
-Line define(const char16_t* typeName, int64_t id) {
-    Line s = start(u"ptr", typeName, kstd_persistentTypeDerivation_pointer);
-    s.flags |= kstd_persistentPropertyNodeFlag_hasObjectId;
-    s.objectId = id;
-    return s;
-}
-
-Line end() { return Line{}; }
-
-Line integer(const char16_t* name, const char16_t* typeName, int64_t value) {
-    Line s = leaf(name, typeName, 0, kstd_persistentPropertyNodeFlag_leafCoreValue);
-    s.value = Line::Value::integer;
-    s.valueTypeName = typeName;
-    s.integers = {value};
-    return s;
-}
-
-Line reference(const char16_t* typeName, int64_t id) {
-    Line s = leaf(u"ptr", typeName, kstd_persistentTypeDerivation_pointer, kstd_persistentPropertyNodeFlag_leafReference);
-    s.flags |= kstd_persistentPropertyNodeFlag_hasObjectId;
-    s.objectId = id;
-    return s;
-}
-
-Line nullPointer(const char16_t* typeName) {
-    Line s =
-        leaf(u"ptr", typeName, kstd_persistentTypeDerivation_pointer, kstd_persistentPropertyNodeFlag_leafNullPointer);
-    s.value = Line::Value::nullPointer;
-    return s;
-}
-
-Line items(const char16_t* itemTypeName, std::vector<int64_t> values) {
-    Line s = leaf(u"items", itemTypeName, kstd_persistentTypeDerivation_array,
-                  values.empty() ? kstd_persistentPropertyNodeFlag_leafEmptyArray : 0);
-    s.flags |= kstd_persistentPropertyNodeFlag_arrayOfCoreItems;
-    if (!values.empty()) s.flags &= ~kstd_persistentPropertyNodeFlag_leaf;
-    s.value = Line::Value::items;
-    s.valueTypeName = itemTypeName;
-    s.integers = std::move(values);
-    return s;
-}
-
-kstd_result rebuild(const std::vector<Line>& lines, kstd_persistentPropertyTree* tree) {
-    Sections sections;
-    for (const Line& line : lines) {
-        kstd_persistentPropertyNodeSection* section = nullptr;
-        RT_TRY(sections.add(&section));
-        RT_TRY(sectionOf(line, section));
-    }
-    return rebuild(sections, tree);
 }
 
 }  // namespace vexpers::test::rt

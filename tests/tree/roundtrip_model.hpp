@@ -1,8 +1,8 @@
 // The client module of the tree and format tests: an object model registered
 // through the public registration functions only, with the accessors a
 // client writes (members stored by address, loaded by calling
-// kstd_persistentType_loadPropertyNode on the member); a writer that turns a
-// walked tree into node sections; and trees built from section lines.
+// kstd_persistentType_loadPropertyNode on the member), and a graph of it
+// that holds every kind of value, sharing and a cycle.
 #pragma once
 
 #include <string>
@@ -39,6 +39,13 @@ struct ItemList {
     intptr_t count;
 };
 
+// The scalar members of Node, in one list: member, C type, registered type
+// (k_Bool is held in an int32_t).
+#define RT_SCALARS(X)                                                                                   \
+    X(i8, int8_t, k_Int8) X(i16, int16_t, k_Int16) X(i32, int32_t, k_Int32) X(i64, int64_t, k_Int64)     \
+    X(u8, uint8_t, k_UInt8) X(u16, uint16_t, k_UInt16) X(u32, uint32_t, k_UInt32) X(u64, uint64_t, k_UInt64) \
+    X(flag, int32_t, k_Bool) X(f, float, float) X(d, double, double) X(size, size_t, size_t)
+
 // The built-in vectors of Node, in one list: member, vector type, element.
 #define RT_SCALAR_VECTORS(X)             \
     X(v8s, kstd_vector8s, int8_t)        \
@@ -60,18 +67,9 @@ struct ItemList {
 // pointers, a box held by value twice and a container of object items.
 struct Node {
     kstd_shared header;
-    int8_t i8;
-    int16_t i16;
-    int32_t i32;
-    int64_t i64;
-    uint8_t u8;
-    uint16_t u16;
-    uint32_t u32;
-    uint64_t u64;
-    int32_t flag;  // k_Bool
-    float f;
-    double d;
-    size_t size;
+#define RT_DECLARE_SCALAR(field, type, typeName) type field;
+    RT_SCALARS(RT_DECLARE_SCALAR)
+#undef RT_DECLARE_SCALAR
     kstd_unicodeString name;
     int64_t color;  // RtColor
     uint64_t bits;  // RtColor bit field
@@ -93,24 +91,8 @@ struct Link {
     kstd_ptrh next;
 };
 
-// A type without declared properties, loaded whole by its value access
-// table's load entry: "count" from a leaf, "box" through the box's type.
-struct Counter {
-    int64_t count;
-    Box box;
-};
-
 struct Types {
-    const kstd_persistentType* node;
-    const kstd_persistentType* nodePointer;
-    const kstd_persistentType* link;
-    const kstd_persistentType* box;
-    const kstd_persistentType* boxPointer;
-    const kstd_persistentType* item;
-    const kstd_persistentType* color;
-    const kstd_persistentType* counter;
-    const kstd_persistentType* bare;  // no declared properties, no load entry
-    const kstd_persistentType* ptrh;
+    const kstd_persistentType *node, *box, *boxPointer, *item, *ptrh;
 };
 // Registers the module once (and starts the registry and the built-in
 // types it uses, so that leak checks count only what a test makes).
@@ -132,9 +114,8 @@ struct NoLeaks {
     ~NoLeaks() { EXPECT_EQ(check.leaked(), 0); }
 };
 
-// Heap objects, each held by one new reference in `pointer`.
+// A heap node held by one new reference in `pointer`.
 void newNode(kstd_ptrh* pointer);
-void newLink(kstd_ptrh* pointer);
 // A chain of `length` links; link i holds i, the last one -1.
 void newChain(kstd_ptrh* head, int32_t length);
 Node* nodeOf(const kstd_ptrh& pointer);
@@ -174,48 +155,5 @@ struct Graph {
 };
 // Checks that `root` holds a copy of the graph: values, sharing and the cycle.
 void expectCopyOf(const Graph& graph, const kstd_ptrh& root);
-
-// A list of heap sections, freed with it.
-struct Sections {
-    std::vector<kstd_persistentPropertyNodeSection*> list;
-    Sections() = default;
-    Sections(const Sections&) = delete;
-    Sections& operator=(const Sections&) = delete;
-    ~Sections();
-    kstd_result add(kstd_persistentPropertyNodeSection** section);
-};
-
-// A node visitor that writes each node as a section, as a storage format
-// does: event 4 a start (without the object, which a file cannot hold), 5
-// and 6 a leaf with its value, 7 an end.
-struct Writer {
-    Sections sections;
-    std::vector<const kstd_persistentPropertyNode*> open;
-    static kstd_result visit(void* context, int32_t event, int32_t depth, const kstd_persistentPropertyNode* node);
-};
-
-// Builds the top-level nodes of `tree` from sections with the start/end
-// protocol; a section out of order fails with ksys_result_failure.
-kstd_result rebuild(const Sections& sections, kstd_persistentPropertyTree* tree);
-
-// A section as a test writes it down, one line each: integer values only.
-struct Line {
-    uint32_t sectionType = kstd_persistentPropertyNodeSectionType_end;
-    uint32_t flags = 0;
-    std::u16string name, typeName;
-    uint32_t derivation = 0;
-    int64_t objectId = -1;
-    enum class Value { none, integer, nullPointer, items } value = Value::none;
-    std::u16string valueTypeName;
-    std::vector<int64_t> integers;  // one for a value, any number of items
-};
-Line start(const char16_t* name, const char16_t* typeName, uint32_t derivation = 0);
-Line define(const char16_t* typeName, int64_t id);  // a pointee "ptr" that defines `id`
-Line end();
-Line integer(const char16_t* name, const char16_t* typeName, int64_t value);
-Line reference(const char16_t* typeName, int64_t id);  // a leaf "ptr"
-Line nullPointer(const char16_t* typeName);             // a leaf "ptr"
-Line items(const char16_t* itemTypeName, std::vector<int64_t> values);  // a leaf "items"
-kstd_result rebuild(const std::vector<Line>& lines, kstd_persistentPropertyTree* tree);
 
 }  // namespace vexpers::test::rt

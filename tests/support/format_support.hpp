@@ -1,5 +1,6 @@
-// Helpers of the format tests: writing a tree into bytes and reading bytes
-// back, and the sample scene as a decomposed tree.
+// Helpers of the programs that run the storage formats on the demo scene
+// (formats, limits, sweeps): writing a tree into bytes and reading bytes
+// back, and the scene as a decomposed tree.
 #pragma once
 
 #include <cstdint>
@@ -7,13 +8,14 @@
 #include <vector>
 
 #include "demo_model.hpp"
-#include "tree/roundtrip_model.hpp"
+#include "support/test_support.hpp"
 #include "vexpers/formats/formats.h"
 
 namespace vexpers::test::formats {
 
 using Bytes = std::vector<uint8_t>;
-using rt::Tree;
+using Tree = Owned<kstd_persistentPropertyTree, kstd_persistentPropertyTree_construct,
+                   kstd_persistentPropertyTree_destruct>;
 
 inline constexpr uint32_t bothFormats[] = {kfmt_format_json, kfmt_format_binary};
 
@@ -46,8 +48,8 @@ inline Bytes bytesOf(const std::string& text) { return Bytes(text.begin(), text.
 // Decomposes `scene` into `tree` under the property name "scene".
 inline kstd_result decompose(const kstd_ptrh* scene, kstd_persistentPropertyTree* tree) {
     Property property;
-    RT_TRY(kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(property, u"scene", 2, scene));
-    return kstd_persistentPropertyTree_resetDecomposeProperty(tree, property);
+    const kstd_result result = kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(property, u"scene", 2, scene);
+    return result < 0 ? result : kstd_persistentPropertyTree_resetDecomposeProperty(tree, property);
 }
 
 // The sample scene of `nodes` nodes written in `format`.
@@ -72,10 +74,10 @@ inline std::string dumpOf(const kstd_persistentPropertyTree* tree) {
     return text;
 }
 
-inline kfmt_options checkingOptions() {
+inline kfmt_options checkingOptions(uint32_t flags = kfmt_flag_checkObjectIds) {
     kfmt_options options;
     kfmt_options_setDefaults(&options);
-    options.flags = kfmt_flag_checkObjectIds;
+    options.flags = flags;
     return options;
 }
 
