@@ -4,6 +4,7 @@
 // the originals, sharing and cycles included, also a deep chain and under
 // allocation failure; scenes convert between the formats exactly; the exact
 // bytes of a small tree, the dump, and files.
+#include <cstdio>
 #include <algorithm>
 #include <fstream>
 #include <sstream>
@@ -165,6 +166,7 @@ TEST(Formats, ModelRoundTripFailsCleanlyAtEveryAllocation) {
             },
             clear);
         EXPECT_GT(sites, 50);
+        std::printf("[ sweep    ] decompose, write, read, compose: %lld allocation sites\n", static_cast<long long>(sites));
         clear();
     }
     EXPECT_EQ(rt::liveObjects(), objectsBefore);
