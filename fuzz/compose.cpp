@@ -37,17 +37,22 @@ void composeInto(uint32_t target, const kstd_persistentPropertyNode* node, kstd_
     if (kstd_persistentTypeGetType(targets[target].typeName, targets[target].derivation, 1, &type.t) < 0)
         fail("a type of the demo model is not registered");
     void* object = nullptr;
-    if (kstd_persistentType_newObject(&type.t, &object) < 0) fail("cannot make an object of a target type");
-    kstd_persistentType_loadPropertyNode(&type.t, object, node);
+    if (kstd_persistentType_newObject(&type.t, &object) >= 0) {
+        kstd_persistentType_loadPropertyNode(&type.t, object, node);
+        vexpers::demo::unlinkRecorded(tree);
+        if (kstd_persistentType_deleteObject(&type.t, &object) < 0) fail("cannot delete a composed object");
+        return;
+    }
+    // Core values and enums have no object table: they load into plain memory.
+    alignas(16) unsigned char value[64] = {};
+    kstd_persistentType_loadPropertyNode(&type.t, value, node);
     vexpers::demo::unlinkRecorded(tree);
-    if (kstd_persistentType_deleteObject(&type.t, &object) < 0) fail("cannot delete a composed object");
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    stopOnPreconditionFaults();
-    if (vexpers::demo::registerTypes() < 0) fail("the demo model does not register");
+    prepare();
     if (size == 0) return 0;
     const uint32_t target = data[0] % targetCount;
     const uint8_t* rest = data + 1;

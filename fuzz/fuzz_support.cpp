@@ -1,5 +1,7 @@
 #include "fuzz_support.hpp"
 
+#include "demo_model.hpp"
+
 #include <cstring>
 #include <vector>
 
@@ -190,9 +192,15 @@ kstd_result readSection(ByteReader& input, uint8_t op, kstd_persistentPropertyNo
             return 0;
         case 4: {
             const uint8_t b = input.u8();
-            const int32_t count = b < 0xF0 ? b % 24 : static_cast<int32_t>(input.u32());
+            int32_t count = b < 0xF0 ? b % 24 : static_cast<int32_t>(input.u32());
             void* first = nullptr;
             uint32_t elementSize = 0;
+            // Counts past the cap must fail; counts below it are bounded here
+            // only so that one input does not write a gigabyte of items.
+            if (count > 65536 && kstd_persistentPropertyNodeSection_setPropertyArrayAndAlloc(section, 0, nullptr,
+                                                                                             &elementSize) >= 0 &&
+                static_cast<int64_t>(count) * elementSize <= kstd_persistentPropertyNodeSection_maxArrayBytes)
+                count %= 65536;
             if (kstd_persistentPropertyNodeSection_setPropertyArrayAndAlloc(section, count, &first, &elementSize) < 0 ||
                 first == nullptr)
                 return 0;
@@ -307,9 +315,25 @@ kstd_result discard(void*, const void*, size_t) { return 0; }
 
 }  // namespace
 
-void stopOnPreconditionFaults() {
-    static const bool installed = ksys_assert_setHandler(abortOnFault, nullptr, nullptr, nullptr) >= 0;
-    (void)installed;
+void prepare() {
+    static const bool prepared = [] {
+        if (ksys_assert_setHandler(abortOnFault, nullptr, nullptr, nullptr) < 0) fail("cannot set the handler");
+        if (vexpers::demo::registerTypes() < 0) fail("the demo model does not register");
+        kstd_result (*const registrations[])() = {
+            kstd_persistentTypeRegisterType_kstd_unicodeString, kstd_persistentTypeRegisterType_kstd_ptrh,
+            kstd_persistentTypeRegisterType_kstd_ptrhConst,     kstd_persistentTypeRegisterType_kstd_vector8s,
+            kstd_persistentTypeRegisterType_kstd_vector8,       kstd_persistentTypeRegisterType_kstd_vector16s,
+            kstd_persistentTypeRegisterType_kstd_vector16,      kstd_persistentTypeRegisterType_kstd_vector32s,
+            kstd_persistentTypeRegisterType_kstd_vector32,      kstd_persistentTypeRegisterType_kstd_vector64s,
+            kstd_persistentTypeRegisterType_kstd_vector64,      kstd_persistentTypeRegisterType_kstd_vectorIntPtrs,
+            kstd_persistentTypeRegisterType_kstd_vectorIntPtr,  kstd_persistentTypeRegisterType_kstd_vectorf,
+            kstd_persistentTypeRegisterType_kstd_vectord,       kstd_persistentTypeRegisterType_kstd_vectorb,
+            kstd_persistentTypeRegisterType_kstd_vector_kstd_unicodeString};
+        for (const auto registration : registrations)
+            if (registration() < 0) fail("a built-in type does not register");
+        return true;
+    }();
+    (void)prepared;
 }
 
 kstd_result readTree(const void* data, size_t size, uint32_t format, uint32_t flags,

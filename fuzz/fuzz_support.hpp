@@ -64,9 +64,11 @@ private:
     size_t position_ = 0;
 };
 
-// Installs, once, a precondition handler that aborts: input bytes must give
-// result codes, never precondition faults.
-void stopOnPreconditionFaults();
+// Once per process: installs a precondition handler that aborts (input
+// bytes must give result codes, never precondition faults) and registers
+// the demo model and the built-in types the harnesses name, so that what an
+// input does never depends on the inputs run before it.
+void prepare();
 
 struct Tree {
     kstd_persistentPropertyTree t;

@@ -317,8 +317,7 @@ void composeAndCompare(const Graph& graph, kstd_persistentPropertyTree* tree, co
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    stopOnPreconditionFaults();
-    if (demo::registerTypes() < 0) fail("the demo model does not register");
+    prepare();
     ByteReader input(data, size);
     Graph graph;
     build(input, &graph);

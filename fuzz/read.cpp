@@ -36,9 +36,8 @@ void readBack(const Memory& bytes, uint32_t format, kstd_persistentPropertyTree*
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    stopOnPreconditionFaults();
     // With the demo model registered, its type names find registered types.
-    vexpers::demo::registerTypes();
+    prepare();
     constexpr uint32_t format = VEXPERS_FUZZ_FORMAT;
     constexpr uint32_t other = format == kfmt_format_json ? kfmt_format_binary : kfmt_format_json;
 

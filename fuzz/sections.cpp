@@ -10,8 +10,7 @@
 using namespace vexpers::fuzz;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    stopOnPreconditionFaults();
-    vexpers::demo::registerTypes();
+    prepare();
     ByteReader input(data, size);
     Tree tree;
     applySectionStream(input, &tree.t);

@@ -246,7 +246,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     root = argv[1];
-    if (demo::registerTypes() < 0) fail("the demo model does not register");
+    prepare();
     for (const int64_t nodes : {1, 5, 24}) saveScene(nodes);
     saveValues();
     saveStreams();
