@@ -91,17 +91,6 @@ const TypeName typeNames[] = {
 };
 constexpr size_t typeNameCount = sizeof typeNames / sizeof typeNames[0];
 
-// Vectors whose items are plain numbers: raw input bytes are valid items.
-bool hasPlainItems(const std::u16string& typeName) {
-    static const char16_t* const plain[] = {u"kstd_vector8s",     u"kstd_vector8",  u"kstd_vector16s", u"kstd_vector16",
-                                            u"kstd_vector32s",    u"kstd_vector32", u"kstd_vector64s", u"kstd_vector64",
-                                            u"kstd_vectorIntPtrs", u"kstd_vectorIntPtr", u"kstd_vectorf", u"kstd_vectord",
-                                            u"kstd_vectorb"};
-    for (const char16_t* name : plain)
-        if (typeName == name) return true;
-    return false;
-}
-
 struct Names {
     std::u16string name, typeName;
     const char16_t* namePointer = nullptr;
@@ -204,12 +193,16 @@ kstd_result readSection(ByteReader& input, uint8_t op, kstd_persistentPropertyNo
             if (kstd_persistentPropertyNodeSection_setPropertyArrayAndAlloc(section, count, &first, &elementSize) < 0 ||
                 first == nullptr)
                 return 0;
-            if (hasPlainItems(n.typeName)) {
+            // Items of core numbers take any bytes; texts are assigned; other
+            // items (vectors, objects) stay as the allocation made them.
+            uint32_t category = 0, derivation = 0;
+            kstd_persistentType_getTypeCategoryAndDerivation(&section->property.value.type, &category, &derivation);
+            if (category <= kstd_persistentTypeCategory_char) {
                 const size_t bytes = static_cast<size_t>(count) * elementSize;
                 const size_t take = bytes < input.remaining() ? bytes : input.remaining();
                 std::memcpy(first, input.rest(), take);
                 for (size_t i = 0; i < take; ++i) input.u8();
-            } else if (n.typeName == u"kstd_vector_kstd_unicodeString" && elementSize == sizeof(kstd_unicodeString)) {
+            } else if (category == kstd_persistentTypeCategory_string && elementSize == sizeof(kstd_unicodeString)) {
                 auto* items = static_cast<kstd_unicodeString*>(first);
                 for (int32_t i = 0; i < count && !input.empty(); ++i) {
                     const std::u16string value = input.text(20, true);
