@@ -29,7 +29,7 @@ for spec in "${specs[@]}"; do
   flags=(-max_total_time="$time" -timeout=20 -print_final_stats=1 -artifact_prefix="$work/$harness-")
   [ -z "$maxLen" ] || flags+=(-max_len="$maxLen")
   if "$program" "${flags[@]}" "$work/$harness" "fuzz/corpus/$harness" "fuzz/regressions/$harness" >"$log" 2>&1; then
-    runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
+    runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -1)
     total=$((total + runs))
     printf '%-12s %10d executions in %4d s, 0 crashes\n' "$harness" "$runs" "$time"
   else
