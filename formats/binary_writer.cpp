@@ -78,7 +78,11 @@ public:
         const Kinds& kinds = view.kinds;
         const bool isStart = view.sectionType == kstd_persistentPropertyNodeSectionType_start;
         out.put(static_cast<char>(isStart ? binary::tagStart : binary::tagLeaf));
-        uint32_t packed = kinds.leafKind | (kinds.arrayKind << 3);
+        // A null leaf keeps no array kind, as in JSON ("null"): reading gives
+        // it back from the node's type, and the reader takes null leaves
+        // without one only.
+        const uint32_t arrayKind = kinds.leafKind == 2 ? 0u : kinds.arrayKind;
+        uint32_t packed = kinds.leafKind | (arrayKind << 3);
         if (kinds.isItem) packed |= binary::kindItem;
         if (kinds.hasId) packed |= binary::kindHasId;
         if (kinds.isDeleted) packed |= binary::kindDeleted;

@@ -73,6 +73,19 @@ struct Token {
     size_t length = 0;
 };
 
+// A surrogate without its other half. RapidJSON takes the escape of a low
+// surrogate on its own (of U+DD22, say); JSON text holds whole characters
+// only, and the writer could not write such a string back.
+bool hasUnpairedSurrogate(const char16_t* text, size_t length) {
+    for (size_t i = 0; i < length; ++i) {
+        const char16_t unit = text[i];
+        if (unit < 0xD800 || unit > 0xDFFF) continue;
+        if (unit > 0xDBFF || i + 1 == length || text[i + 1] < 0xDC00 || text[i + 1] > 0xDFFF) return true;
+        ++i;
+    }
+    return false;
+}
+
 class Handler {
 public:
     Handler(Input& input, SectionReader& reader) : in_(input), reader_(reader) {}
@@ -112,6 +125,7 @@ public:
     bool String(const char16_t* text, size_t length, bool) {
         if (std::char_traits<char16_t>::find(text, length, u'\0') != nullptr)
             return stop(kfmt_result_malformed, "a string with a 0 character");
+        if (hasUnpairedSurrogate(text, length)) return stop(kfmt_result_malformed, "a string with an unpaired surrogate");
         Token t;
         t.kind = Token::string;
         t.text = text;
