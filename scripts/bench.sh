@@ -6,18 +6,10 @@
 #   e.g. scripts/bench.sh --sizes 1000,10000,100000 --reps 5
 set -euo pipefail
 cd "$(dirname "$0")/.."
-need=()
-command -v cmake >/dev/null || need+=(cmake)
-command -v ninja >/dev/null || need+=(ninja-build)
-[ -f /usr/include/rapidjson/reader.h ] || need+=(rapidjson-dev)
-[ -f /usr/include/benchmark/benchmark.h ] || need+=(libbenchmark-dev)
-[ -f /usr/include/cereal/cereal.hpp ] || need+=(libcereal-dev)
-[ -f /usr/include/boost/archive/binary_oarchive.hpp ] || need+=(libboost-serialization-dev)
-if [ ${#need[@]} -gt 0 ]; then
-  sudo=()
-  [ "$(id -u)" -ne 0 ] && sudo=(sudo)
-  "${sudo[@]}" apt-get update && "${sudo[@]}" apt-get install -y "${need[@]}"
-fi
+source scripts/prerequisites.sh \
+  libbenchmark-dev:/usr/include/benchmark/benchmark.h \
+  libcereal-dev:/usr/include/cereal/cereal.hpp \
+  libboost-serialization-dev:/usr/include/boost/archive/binary_oarchive.hpp
 cmake --preset bench
 cmake --build --preset bench -j "$(nproc)" --target roundtrip_compare
 exec build/bench/bench/compare/roundtrip_compare "$@"

@@ -3,11 +3,7 @@
 # and runs `vexpers demo` on its embedded sample scene.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-need=()
-command -v cmake >/dev/null || need+=(cmake)
-command -v ninja >/dev/null || need+=(ninja-build)
-[ -f /usr/include/rapidjson/reader.h ] || need+=(rapidjson-dev)
-if [ ${#need[@]} -gt 0 ]; then apt-get update && apt-get install -y "${need[@]}"; fi
+source scripts/prerequisites.sh
 cmake --preset default -DVEXPERS_BUILD_TESTS=OFF
 cmake --build --preset default -j "$(nproc)"
 ./build/default/tools/vexpers demo
