@@ -54,6 +54,8 @@
 #include "vexpers/formats/formats.h"
 #include "vexpers/vexpers.h"
 
+#include "client_object.hpp"
+
 #if VEXPERS_HAVE_CEREAL
 #include <cereal/archives/binary.hpp>
 #include <cereal/archives/json.hpp>
@@ -254,95 +256,15 @@ struct VRoot {
     VItemList items;
 };
 
-template <class F>
-const void* word(F function) {
-    return reinterpret_cast<const void*>(function);
-}
-
-kstd_persistentPropertyAccessors accessors(std::initializer_list<std::pair<int, const void*>> words) {
-    kstd_persistentPropertyAccessors result{};
-    for (const auto& [index, w] : words) result.words[index] = w;
-    return result;
-}
-
-template <size_t Offset>
-kstd_result addressAt(const void* object, const void** member) {
-    *member = static_cast<const char*>(object) + Offset;
-    return 0;
-}
-
-template <size_t Offset>
-kstd_result loadAt(void* object, const kstd_persistentType* type, const kstd_persistentPropertyNode* node) {
-    return kstd_persistentType_loadPropertyNode(type, static_cast<char*>(object) + Offset, node);
-}
-
-// Word 4 stores the member by address, word 8 loads it, word 10 registers
-// the member's type first.
-template <size_t Offset>
-kstd_persistentPropertyAccessors member(kstd_result (*registration)() = nullptr) {
-    return accessors({{4, word(addressAt<Offset>)}, {8, word(loadAt<Offset>)}, {10, word(registration)}});
-}
+using vexpers::client::accessors;
+using vexpers::client::member;
+using vexpers::client::word;
 
 template <class T>
 struct Traits;
 
 template <class T>
-struct Operations {
-    static kstd_result destroyShared(kstd_shared* shared) {
-        void* whole = shared->whole;
-        return deleteObject(&whole);
-    }
-    static kstd_result sharedName(const kstd_shared*, const char16_t** name) {
-        *name = Traits<T>::name;
-        return 0;
-    }
-    static constexpr kstd_sharedCustom counting{destroyShared, nullptr, nullptr};
-    static constexpr kstd_sharedTyped typed{kstd_shared_queryInterfaceByTypenameFinal, sharedName};
-
-    static kstd_result size(uint32_t* size) {
-        *size = sizeof(T);
-        return 0;
-    }
-    static kstd_result construct(void* object) {
-        T* t = static_cast<T*>(object);
-        std::memset(static_cast<void*>(t), 0, sizeof(T));
-        BENCH_TRY(kstd_shared_initCustomTyped(&t->header, t, &counting, &typed));
-        return Traits<T>::construct(*t);
-    }
-    static kstd_result destruct(void* object) { return Traits<T>::destruct(*static_cast<T*>(object)); }
-    static kstd_result notOffered(void*, const void*) { return kstd_persistentResult_notSupported; }
-    static kstd_result notOffered(void*) { return kstd_persistentResult_notSupported; }
-    static kstd_result notOfferedClone(void**, const void*) { return kstd_persistentResult_notSupported; }
-    static kstd_result deleteObject(void** object) {
-        if (*object == nullptr) return 0;
-        BENCH_TRY(destruct(*object));
-        return ksys_memory_free_internal(object);
-    }
-    static kstd_result newObject(void** object) {
-        BENCH_TRY(deleteObject(object));
-        void* memory = nullptr;
-        BENCH_TRY(ksys_memory_alloc_internal(sizeof(T), &memory));
-        if (const kstd_result result = construct(memory); result < 0) {
-            ksys_memory_free_internal(&memory);
-            return result;
-        }
-        *object = memory;
-        return 0;
-    }
-    static kstd_result query(void* object, const char16_t* name, void** result) {
-        *result = nullptr;
-        if (std::char_traits<char16_t>::compare(name, u"kstd_shared", 12) == 0)
-            *result = &static_cast<T*>(object)->header;
-        return 0;
-    }
-    static kstd_result typeName(const void*, const char16_t** name) {
-        *name = Traits<T>::name;
-        return 0;
-    }
-    static constexpr kstd_persistentObjectVtable objects{size,       construct,   notOffered,      notOffered, destruct,
-                                                         notOffered, newObject,   notOfferedClone, deleteObject};
-    static constexpr kstd_typeDescriptorMinimalVtable minimal{query, typeName};
-};
+using Operations = vexpers::client::ObjectOperations<T, Traits<T>>;
 
 kstd_result listResize(void* container, int64_t count);
 
