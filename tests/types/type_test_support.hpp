@@ -1,7 +1,6 @@
 // Helpers of the type tests: a module-style registration target (flag and
 // global handle, never freed) for the operation tables of the shared support.
-// TypeHandle and TypeVector serve the thread tests; the others use Type of the
-// shared support.
+// TypeVector holds what the registry lists.
 #pragma once
 
 #include <string>
@@ -42,15 +41,6 @@ inline void startRegistry() {
     kstd_persistentTypeGetType(u"int", 0, 1, &type);
     kstd_persistentType_destruct(&type);
 }
-
-// A descriptor that constructs and destructs itself.
-struct TypeHandle {
-    TypeHandle() { kstd_persistentType_construct(&t); }
-    ~TypeHandle() { kstd_persistentType_destruct(&t); }
-    TypeHandle(const TypeHandle&) = delete;
-    TypeHandle& operator=(const TypeHandle&) = delete;
-    kstd_persistentType t;
-};
 
 // A vector of descriptors that constructs and destructs itself.
 struct TypeVector {
