@@ -27,10 +27,9 @@ inline Target& newTarget() {
 // Registers an object type with the shared support's tables, and the
 // declared properties of `list` when given.
 inline kstd_result registerObject(const char16_t* name, Target& target,
-                                  const kstd_persistentStaticPropertyList* list = nullptr,
-                                  uint32_t isAlwaysShareable = 0) {
-    return kstd_persistentTypeRegisterTypeObject(name, &objectTable, &valueAccessTable, list, isAlwaysShareable,
-                                                 &target.flag, &target.handle);
+                                  const kstd_persistentStaticPropertyList* list = nullptr) {
+    return kstd_persistentTypeRegisterTypeObject(name, &objectTable, &valueAccessTable, list, 0, &target.flag,
+                                                 &target.handle);
 }
 
 // Starts the registry, so that a leak check that follows does not count
