@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <cstring>
-#include <initializer_list>
 #include <iterator>
 #include <limits>
 #include <utility>
@@ -11,17 +10,6 @@ namespace vexpers::test::rt {
 namespace {
 
 std::atomic<int64_t> live{0};
-
-template <class F>
-const void* word(F function) {
-    return reinterpret_cast<const void*>(function);
-}
-
-kstd_persistentPropertyAccessors accessors(std::initializer_list<std::pair<int, const void*>> words) {
-    kstd_persistentPropertyAccessors result{};
-    for (const auto& [index, w] : words) result.words[index] = w;
-    return result;
-}
 
 // A member is stored by its address and loaded by loading its own type
 // from its node, the way a client declares members.
@@ -144,11 +132,6 @@ kstd_result destruct(T*) {
     return 0;
 }
 
-template <class T>
-kstd_result sizeOf(uint32_t* size) {
-    *size = sizeof(T);
-    return 0;
-}
 template <class T>
 kstd_result constructAt(void* object) {
     return construct(static_cast<T*>(object));
