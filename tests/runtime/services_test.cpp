@@ -14,33 +14,28 @@ using namespace vexpers::test;
 
 std::string released;
 
-kstd_result releaseNamed(void* object) {
-    released += *static_cast<const char*>(object);
-    return 0;
+// Records the entry's letter in lower case; 'B' fails its release.
+kstd_result release(void* object) {
+    const char letter = *static_cast<const char*>(object);
+    released += char(letter | 0x20);
+    return letter == 'B' ? -7 : 0;
 }
 
-kstd_result releaseFailing(void* object) {
-    releaseNamed(object);
-    return -7;
-}
-
+// Undo entries run only on failure, last pushed first; a failing release
+// keeps a failure's code and turns success into its own.
 TEST(Cleanup, RunsEntriesByKindLastPushedFirst) {
     EXPECT_NE(ksys_cleanup_getNextTag(), ksys_cleanup_getNextTag());
-    const char a = 'a', b = 'b', c = 'c';
-    // (result in, middle release fails, result out, releases in order)
+    const char a = 'a', b = 'b', c = 'c', failing = 'B';
     const struct {
         kstd_result in;
-        bool failingMiddle;
+        const char* middle;
         kstd_result out;
         const char* released;
-    } cases[] = {{5, false, 5, "b"},     // a positive success is kept
-                 {-3, true, -3, "cba"},   // undo entries run on failure; a failing release keeps the first code
-                 {0, true, -7, "b"}};     // a failing release turns success into its code, undoes nothing
+    } cases[] = {{5, &b, 5, "b"}, {-3, &failing, -3, "cba"}, {0, &failing, -7, "b"}};
     for (const auto& k : cases) {
-        ksys_cleanupEntry entries[] = {
-            {1, ksys_cleanupKind_undoOnFailure, (void*)&a, releaseNamed},
-            {2, ksys_cleanupKind_always, (void*)&b, k.failingMiddle ? releaseFailing : releaseNamed},
-            {3, ksys_cleanupKind_undoOnFailure, (void*)&c, releaseNamed}};
+        ksys_cleanupEntry entries[] = {{1, ksys_cleanupKind_undoOnFailure, (void*)&a, release},
+                                       {2, ksys_cleanupKind_always, (void*)k.middle, release},
+                                       {3, ksys_cleanupKind_undoOnFailure, (void*)&c, release}};
         int32_t count = 3;
         kstd_result result = k.in;
         released.clear();

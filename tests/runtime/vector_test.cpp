@@ -168,30 +168,21 @@ TEST(Vector, FailedOperationsLeaveTheVectorUnchanged) {
     EXPECT_EQ(liveProbes, 0);
 }
 
+// Without element operations the bytes move: an element of the vector itself
+// inserted in the middle, then an overlapping range of it assigned to it.
 TEST(Vector, PlainBytesOwnElementsAndRanges) {
-    LiveBlockCheck leaks;
     kstd_vector__ v;
     ASSERT_EQ(kstd_vector__constructWithVtable(&v, 4, sizeof(int32_t), nullptr), 0);
-    auto values = [&] {
-        const auto* p = static_cast<const int32_t*>(v.begin);
-        return std::vector<int32_t>(p, p + v.size);
-    };
-    for (int32_t i = 1; i <= 4; ++i) static_cast<int32_t*>(v.begin)[i - 1] = i;
-    // An element of the vector itself inserted in the middle (the bytes move),
-    // then an overlapping range of the vector assigned to it.
+    auto* p = static_cast<int32_t*>(v.begin);
+    for (int32_t i = 0; i < 4; ++i) p[i] = i + 1;
     ASSERT_EQ(kstd_vector__reserve(&v, 10), 0);
     ASSERT_EQ(kstd_vector__insert(&v, 1, static_cast<int32_t*>(v.begin) + 3), 0);
-    EXPECT_EQ(values(), (std::vector<int32_t>{1, 4, 2, 3, 4}));
-    const int32_t* first = static_cast<int32_t*>(v.begin);
-    ASSERT_EQ(kstd_vector__assignElements(&v, first + 1, first + 4), 0);
-    EXPECT_EQ(values(), (std::vector<int32_t>{4, 2, 3}));
-
-    const int32_t seven = 7;
-    EXPECT_EQ(kstd_vector__insert(&v, 4, &seven), ksys_result_notFound);
-    EXPECT_EQ(kstd_vector__resize(&v, int64_t(1) << 62), ksys_result_outOfMemory);
-    EXPECT_EQ(values(), (std::vector<int32_t>{4, 2, 3}));
+    p = static_cast<int32_t*>(v.begin);
+    EXPECT_EQ(std::vector<int32_t>(p, p + v.size), (std::vector<int32_t>{1, 4, 2, 3, 4}));
+    ASSERT_EQ(kstd_vector__assignElements(&v, p + 1, p + 4), 0);
+    p = static_cast<int32_t*>(v.begin);
+    EXPECT_EQ(std::vector<int32_t>(p, p + v.size), (std::vector<int32_t>{4, 2, 3}));
     kstd_vector__destruct(&v);
-    EXPECT_EQ(leaks.leaked(), 0);
 }
 
 }  // namespace

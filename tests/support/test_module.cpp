@@ -1,7 +1,6 @@
 #include "support/test_module.hpp"
 
 #include <cstring>
-#include <initializer_list>
 #include <iterator>
 #include <utility>
 
@@ -35,13 +34,12 @@ kstd_result widgetAssign(void* object, const void* source) {
     auto* widget = static_cast<Widget*>(object);
     const auto* from = static_cast<const Widget*>(source);
     ++calls.assigns;
-    widget->number = from->number;
-    widget->ratio = from->ratio;
-    widget->color = from->color;
-    widget->flags32 = from->flags32;
-    widget->flags64 = from->flags64;
-    widget->inner = from->inner;
-    widget->next = from->next;
+    // Every member but the header and the vector is plain data.
+    const kstd_shared header = widget->header;
+    const kstd_vector32s values = widget->values;
+    *widget = *from;
+    widget->header = header;
+    widget->values = values;
     return kstd_vector32s_assign(&widget->values, &from->values);
 }
 
@@ -210,17 +208,6 @@ kstd_result loadMember(void*, void*, void*, const kstd_persistentType*, const ks
 kstd_result registerColor();
 kstd_result storeWhole(const void* object, kstd_persistentProperty* property) {
     return kstd_persistentProperty_resetInfoAndValue_int(property, u"stored", 7, widgetOf(object).number + 1);
-}
-
-kstd_persistentPropertyAccessors accessors(std::initializer_list<std::pair<int, const void*>> words) {
-    kstd_persistentPropertyAccessors result{};
-    for (const auto& [index, word] : words) result.words[index] = word;
-    return result;
-}
-
-template <class F>
-const void* word(F function) {
-    return reinterpret_cast<const void*>(function);
 }
 
 constexpr auto colorOf = memberValue<&Widget::color, int64_t>;

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -136,6 +137,18 @@ inline constexpr kstd_persistentObjectVtable objectTableOf{sizeOf<T>, nullptr, n
 inline constexpr const kstd_persistentObjectVtable& objectTable = objectTableOf<int32_t>;
 inline constexpr kstd_persistentValueAccessVtable valueAccessTable{};
 inline constexpr kstd_persistentValueAccessVtable bitfieldValueAccessTable{};
+
+// Accessor words of a declared property: `word` makes one of a function,
+// `accessors` puts each at its index.
+template <class F>
+const void* word(F function) {
+    return reinterpret_cast<const void*>(function);
+}
+inline kstd_persistentPropertyAccessors accessors(std::initializer_list<std::pair<int, const void*>> words) {
+    kstd_persistentPropertyAccessors result{};
+    for (const auto& [index, w] : words) result.words[index] = w;
+    return result;
+}
 
 // The record a type descriptor shares, or null.
 inline const kstd_persistentType_* recordOf(const kstd_persistentType* type) {

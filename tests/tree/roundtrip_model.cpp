@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <cstring>
-#include <initializer_list>
 #include <iterator>
 #include <limits>
 #include <utility>
@@ -11,17 +10,6 @@ namespace vexpers::test::rt {
 namespace {
 
 std::atomic<int64_t> live{0};
-
-template <class F>
-const void* word(F function) {
-    return reinterpret_cast<const void*>(function);
-}
-
-kstd_persistentPropertyAccessors accessors(std::initializer_list<std::pair<int, const void*>> words) {
-    kstd_persistentPropertyAccessors result{};
-    for (const auto& [index, w] : words) result.words[index] = w;
-    return result;
-}
 
 // A member is stored by its address and loaded by loading its own type
 // from its node, the way a client declares members.
@@ -144,11 +132,6 @@ kstd_result destruct(T*) {
     return 0;
 }
 
-template <class T>
-kstd_result sizeOf(uint32_t* size) {
-    *size = sizeof(T);
-    return 0;
-}
 template <class T>
 kstd_result constructAt(void* object) {
     return construct(static_cast<T*>(object));
@@ -432,14 +415,16 @@ void unlinkRecorded(const kstd_persistentPropertyTree* tree, int64_t ids) {
     }
 }
 
-std::string compareValues(const Node& e, const Node& a, bool withItems) {
+// Field-by-field comparison of the values of two nodes (pointers are not
+// followed); empty when equal, else the first difference.
+static std::string compareValues(const Node& e, const Node& a) {
 #define RT_SAME(field) \
     if (!(e.field == a.field)) return "field " #field;
 #define RT_SAME_SCALAR(field, type, typeName) RT_SAME(field)
     RT_SCALARS(RT_SAME_SCALAR) RT_SAME(color) RT_SAME(bits) RT_SAME(box.width) RT_SAME(box.height)
 #undef RT_SAME_SCALAR
 #undef RT_SAME
-    if (withItems && e.items.count != a.items.count) return "item count";
+    if (e.items.count != a.items.count) return "item count";
     if (textOf(e.name) != textOf(a.name)) return "field name";
 #define RT_SAME_VECTOR(field, vector, element)                                    \
     if (elementsOf<vector, element>(e.field, vector##_getBeginSizeIntPtrConst) != \
@@ -455,7 +440,7 @@ std::string compareValues(const Node& e, const Node& a, bool withItems) {
         return texts;
     };
     if (strings(e) != strings(a)) return "vector vstr";
-    for (intptr_t i = 0; withItems && i < e.items.count; ++i)
+    for (intptr_t i = 0; i < e.items.count; ++i)
         if (e.items.items[i].weight != a.items.items[i].weight) return "item weight";
     return {};
 }

@@ -138,11 +138,6 @@ void releaseChain(kstd_ptrh* head);
 // Unlinks the Node and Link objects recorded in `tree` under ids 0 .. ids-1.
 void unlinkRecorded(const kstd_persistentPropertyTree* tree, int64_t ids);
 
-// Field-by-field comparison of the values of two nodes (pointers are not
-// followed; items only `withItems`); empty when equal, else the first
-// difference.
-std::string compareValues(const Node& expected, const Node& actual, bool withItems = true);
-
 // A, B and C are nodes: A holds extreme values of every member kind (one
 // vector empty, a string with a surrogate pair, an empty and a null string);
 // A.next, A.other, A.view and A's second item point at B; B.next points back

@@ -93,43 +93,4 @@ TEST(TypeDescriptor, HandlesShareOneRecord) {
     EXPECT_EQ(leaks.leaked(), 0);
 }
 
-// Objects that answer "kstd_shared" are shareable; the first word says whether this one does.
-kstd_result queryShared(void* object, const char16_t*, void** result) {
-    *result = *static_cast<int*>(object) != 0 ? object : nullptr;
-    return 0;
-}
-kstd_result queryFails(void*, const char16_t*, void** result) {
-    *result = nullptr;
-    return CA;
-}
-kstd_result typenameOf(const void*, const char16_t** name) {
-    *name = u"Dynamic";
-    return 0;
-}
-
-TEST(TypeDescriptor, ObjectShareabilityAsksTheObject) {
-    static const kstd_typeDescriptorMinimalVtable answering{queryShared, typenameOf};
-    static const kstd_typeDescriptorMinimalVtable failing{queryFails, typenameOf};
-    Target &dynamic = newTarget(), &broken = newTarget(), &always = newTarget(), &plain = newTarget();
-    ASSERT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"ShareDynamic", &objectTable, &valueAccessTable, nullptr,
-                                                           &answering, 0, &dynamic.flag, &dynamic.handle),
-              0);
-    ASSERT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"ShareBroken", &objectTable, &valueAccessTable, nullptr,
-                                                           &failing, 0, &broken.flag, &broken.handle),
-              0);
-    ASSERT_EQ(registerObject(u"ShareAlways", always, nullptr, 1), 0);
-    ASSERT_EQ(registerObject(u"SharePlain", plain), 0);
-
-    int yes = 1, no = 0;
-    auto shareable = [](Expect code, const Target& target, const void* object) {
-        return outOf<uint32_t>(code, kstd_persistentType_getIsObjectShareable, &target.handle, object);
-    };
-    EXPECT_EQ(shareable(0, dynamic, &yes), 1u);
-    EXPECT_EQ(shareable(0, dynamic, &no), 0u);
-    EXPECT_EQ(shareable(CA, broken, &yes), 0u);
-    EXPECT_EQ(shareable(0, always, &no), 1u);  // always shareable: the object is not asked
-    EXPECT_EQ(shareable(0, plain, &yes), 0u);
-    EXPECT_EQ(outOf<uint32_t>(0, kstd_persistentType_getIsAlwaysShareable, &dynamic.handle), 0u);
-}
-
 }  // namespace

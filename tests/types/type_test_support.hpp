@@ -1,7 +1,6 @@
 // Helpers of the type tests: a module-style registration target (flag and
 // global handle, never freed) for the operation tables of the shared support.
-// TypeHandle and TypeVector serve the thread tests; the others use Type of the
-// shared support.
+// TypeVector holds what the registry lists.
 #pragma once
 
 #include <string>
@@ -28,10 +27,9 @@ inline Target& newTarget() {
 // Registers an object type with the shared support's tables, and the
 // declared properties of `list` when given.
 inline kstd_result registerObject(const char16_t* name, Target& target,
-                                  const kstd_persistentStaticPropertyList* list = nullptr,
-                                  uint32_t isAlwaysShareable = 0) {
-    return kstd_persistentTypeRegisterTypeObject(name, &objectTable, &valueAccessTable, list, isAlwaysShareable,
-                                                 &target.flag, &target.handle);
+                                  const kstd_persistentStaticPropertyList* list = nullptr) {
+    return kstd_persistentTypeRegisterTypeObject(name, &objectTable, &valueAccessTable, list, 0, &target.flag,
+                                                 &target.handle);
 }
 
 // Starts the registry, so that a leak check that follows does not count
@@ -42,15 +40,6 @@ inline void startRegistry() {
     kstd_persistentTypeGetType(u"int", 0, 1, &type);
     kstd_persistentType_destruct(&type);
 }
-
-// A descriptor that constructs and destructs itself.
-struct TypeHandle {
-    TypeHandle() { kstd_persistentType_construct(&t); }
-    ~TypeHandle() { kstd_persistentType_destruct(&t); }
-    TypeHandle(const TypeHandle&) = delete;
-    TypeHandle& operator=(const TypeHandle&) = delete;
-    kstd_persistentType t;
-};
 
 // A vector of descriptors that constructs and destructs itself.
 struct TypeVector {
