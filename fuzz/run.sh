@@ -13,14 +13,14 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:?usage: fuzz/run.sh SECONDS [HARNESS[:SECONDS[:MAX_LEN]] ...]}
 shift
-specs=("$@")
-[ ${#specs[@]} -gt 0 ] || specs=(sections compose read_json read_binary graph)
+plan=("$@")
+[ ${#plan[@]} -gt 0 ] || plan=(sections compose read_json read_binary graph)
 work=${FUZZ_WORK:-$(mktemp -d)}
 mkdir -p "$work"
 status=0
 total=0
-for spec in "${specs[@]}"; do
-  IFS=: read -r harness time maxLen <<<"$spec"
+for entry in "${plan[@]}"; do
+  IFS=: read -r harness time maxLen <<<"$entry"
   time=${time:-$seconds}
   program=build/fuzz/fuzz/fuzz_$harness
   [ -x "$program" ] || { echo "fuzz: $program is not built"; exit 1; }
