@@ -202,9 +202,13 @@ kstd_result SectionReader::value(const Scalar& scalar) {
     if (scalar.category == kstd_persistentTypeCategory_string && !scalar.isNull &&
         scalar.length > static_cast<size_t>(options_.limits.maxStringUnits))
         return reject(kfmt_result_limitExceeded, offset_, "a string longer than the cap");
-    kstd_result result = variantOfScalar(cores_, valueCoreId_, scalar, value_.get());
-    if (result >= 0) result = kstd_persistentPropertyNodeSection_setLeafPropertyValue(section_.get(), value_.get());
+    // The value goes straight into the section's property (what
+    // setLeafPropertyValue would copy it to), which spares a variant copy.
+    kstd_persistentPropertyNodeSection* section = section_.get();
+    kstd_result result = variantOfScalar(cores_, valueCoreId_, scalar, &section->property.value);
+    if (result >= 0) result = kstd_persistentPropertyInfo_assign(&section->property.info, &section->info);
     if (result < 0) return reject(result, offset_, "a value that does not fit its type");
+    section->flags |= kstd_persistentPropertyNodeFlag_hasValue | kstd_persistentPropertyNodeFlag_leaf;
     complete_ = true;
     return 0;
 }
