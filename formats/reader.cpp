@@ -138,7 +138,14 @@ kstd_result SectionReader::describe(const Header& header, int64_t offset) {
 
     kstd_persistentPropertyNodeSection* section = section_.get();
     described_ = nullptr;
-    kstd_result result = kstd_persistentPropertyNodeSection_reset(section);
+    // What kstd_persistentPropertyNodeSection_reset does, except that the
+    // descriptor is left for setObjectInfo to overwrite: assigning over it
+    // costs less than emptying it first.
+    section->sectionType = kstd_persistentPropertyNodeSectionType_none;
+    section->flags = 0;
+    section->objectId = -1;
+    section->numItems = 0;
+    kstd_result result = kstd_persistentProperty_reset(&section->property);
     if (result >= 0) result = describedInfo(header, &described_);
     if (result >= 0)
         result = kstd_persistentPropertyNodeSection_setObjectInfo(section, described_, described_, k.hasId ? 1 : 0,
