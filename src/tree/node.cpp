@@ -55,7 +55,9 @@ kstd_result startFromSection(Node* node, const Section* section) {
     if (!isWellFormed(section->flags, takesValue) || section->objectId < -1 || section->numItems < 0)
         return ksys_result_failure;
     VEXPERS_TRY(checkSectionLimits(section));
-    VEXPERS_TRY(kstd_persistentPropertyInfo_assign(&node->info, &section->info));
+    // A node that takes its value gets its descriptor from that value's
+    // property (setValue), so only the others copy the section's.
+    if (!takesValue) VEXPERS_TRY(kstd_persistentPropertyInfo_assign(&node->info, &section->info));
     // The started and ended bits of a section describe the node it was
     // written from; this node's state comes from the protocol alone.
     node->flags = section->flags & ~(flag::started | flag::ended);
