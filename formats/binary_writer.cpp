@@ -12,6 +12,18 @@ public:
     // The index of the text, or -1 after adding it under the next index.
     kstd_result find(const char16_t* text, int32_t length, int64_t* index) {
         *index = -1;
+        // Names arrive as interned strings, so the same text mostly comes
+        // back at the same address: a small cache by address skips the
+        // hashing. A hit is still compared by content.
+        Recent& recent = recent_[(reinterpret_cast<uintptr_t>(text) >> 3) % recentSlots];
+        if (recent.chars == text && recent.length == length) {
+            const Entry& e = entries_[static_cast<size_t>(recent.entry)];
+            if (e.length == static_cast<size_t>(length) &&
+                std::memcmp(arena_.data() + e.offset, text, e.length * sizeof(char16_t)) == 0) {
+                *index = recent.entry;
+                return 0;
+            }
+        }
         if (slots_.size() == 0 || (entries_.size() + 1) * 2 > slots_.size()) KFMT_TRY(grow());
         const uint64_t hash = hashOf(text, length);
         const size_t mask = slots_.size() - 1;
@@ -22,12 +34,14 @@ public:
                 KFMT_TRY(arena_.append(text, static_cast<size_t>(length)));
                 KFMT_TRY(entries_.push(added));
                 slots_[slot] = static_cast<int64_t>(entries_.size() - 1);
+                recent = Recent{text, length, slots_[slot]};
                 return 0;
             }
             const Entry& e = entries_[static_cast<size_t>(entry)];
             if (e.hash == hash && e.length == static_cast<size_t>(length) &&
                 std::memcmp(arena_.data() + e.offset, text, e.length * sizeof(char16_t)) == 0) {
                 *index = entry;
+                recent = Recent{text, length, entry};
                 return 0;
             }
         }
@@ -39,6 +53,12 @@ private:
         size_t length;
         uint64_t hash;
     };
+    struct Recent {
+        const char16_t* chars = nullptr;
+        int32_t length = -1;
+        int64_t entry = -1;
+    };
+    static constexpr size_t recentSlots = 64;
     static uint64_t hashOf(const char16_t* text, int32_t length) {
         uint64_t hash = 1469598103934665603ull;
         for (int32_t i = 0; i < length; ++i) hash = (hash ^ text[i]) * 1099511628211ull;
@@ -61,6 +81,7 @@ private:
     Buffer<int64_t> slots_;
     Buffer<Entry> entries_;
     Buffer<char16_t> arena_;
+    Recent recent_[recentSlots];
 };
 
 class BinaryEncoder final : public Encoder {

@@ -138,7 +138,14 @@ kstd_result SectionReader::describe(const Header& header, int64_t offset) {
 
     kstd_persistentPropertyNodeSection* section = section_.get();
     described_ = nullptr;
-    kstd_result result = kstd_persistentPropertyNodeSection_reset(section);
+    // What kstd_persistentPropertyNodeSection_reset does, except that the
+    // descriptor is left for setObjectInfo to overwrite: assigning over it
+    // costs less than emptying it first.
+    section->sectionType = kstd_persistentPropertyNodeSectionType_none;
+    section->flags = 0;
+    section->objectId = -1;
+    section->numItems = 0;
+    kstd_result result = kstd_persistentProperty_reset(&section->property);
     if (result >= 0) result = describedInfo(header, &described_);
     if (result >= 0)
         result = kstd_persistentPropertyNodeSection_setObjectInfo(section, described_, described_, k.hasId ? 1 : 0,
@@ -202,9 +209,13 @@ kstd_result SectionReader::value(const Scalar& scalar) {
     if (scalar.category == kstd_persistentTypeCategory_string && !scalar.isNull &&
         scalar.length > static_cast<size_t>(options_.limits.maxStringUnits))
         return reject(kfmt_result_limitExceeded, offset_, "a string longer than the cap");
-    kstd_result result = variantOfScalar(cores_, valueCoreId_, scalar, value_.get());
-    if (result >= 0) result = kstd_persistentPropertyNodeSection_setLeafPropertyValue(section_.get(), value_.get());
+    // The value goes straight into the section's property (what
+    // setLeafPropertyValue would copy it to), which spares a variant copy.
+    kstd_persistentPropertyNodeSection* section = section_.get();
+    kstd_result result = variantOfScalar(cores_, valueCoreId_, scalar, &section->property.value);
+    if (result >= 0) result = kstd_persistentPropertyInfo_assign(&section->property.info, &section->info);
     if (result < 0) return reject(result, offset_, "a value that does not fit its type");
+    section->flags |= kstd_persistentPropertyNodeFlag_hasValue | kstd_persistentPropertyNodeFlag_leaf;
     complete_ = true;
     return 0;
 }

@@ -83,14 +83,17 @@ kstd_result expand(Node* node) {
     VEXPERS_TRY(kstd_persistentPropertyBagSetNewBagGetter_construct(&getter, &node->owner->bagSet, &bag));
     VEXPERS_DEFER { kstd_persistentPropertyBagSetNewBagGetter_destruct(&getter); };
     VEXPERS_TRY(kstd_persistentVariant_getObjectData(&node->leafProperty.value, bag));
-    const kstd_persistentProperty* properties = nullptr;
-    int32_t count = 0;
-    VEXPERS_TRY(kstd_persistentPropertyBag_getPropertiesBeginSizeConst(bag, &properties, &count));
+    // The bag is borrowed for this expansion only and its values are of no
+    // further use: they move into the children, and the bag is emptied so
+    // that nothing reads the slots they left.
+    VEXPERS_DEFER { kstd_persistentPropertyBag_removeAllProperties(bag); };
+    kstd_persistentProperty* properties = bag->propertiesBegin;
+    const int32_t count = bag->numProperties;
     for (int32_t i = 0; i < count; ++i) {
         Node* child = nullptr;
         VEXPERS_TRY(allocNode(node->owner, &child));
         appendChild(node, child);
-        VEXPERS_TRY(setValue(child, &properties[i]));
+        VEXPERS_TRY(takeValue(child, &properties[i]));
     }
     return 0;
 }

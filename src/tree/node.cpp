@@ -2,6 +2,7 @@
 // tree is rebuilt from sections, navigation and lookups, the descriptor and
 // value accessors, and freeing a subtree without recursion.
 #include <bit>
+#include <utility>
 
 #include "tree/tree_internal.hpp"
 
@@ -54,7 +55,9 @@ kstd_result startFromSection(Node* node, const Section* section) {
     if (!isWellFormed(section->flags, takesValue) || section->objectId < -1 || section->numItems < 0)
         return ksys_result_failure;
     VEXPERS_TRY(checkSectionLimits(section));
-    VEXPERS_TRY(kstd_persistentPropertyInfo_assign(&node->info, &section->info));
+    // A node that takes its value gets its descriptor from that value's
+    // property (setValue), so only the others copy the section's.
+    if (!takesValue) VEXPERS_TRY(kstd_persistentPropertyInfo_assign(&node->info, &section->info));
     // The started and ended bits of a section describe the node it was
     // written from; this node's state comes from the protocol alone.
     node->flags = section->flags & ~(flag::started | flag::ended);
@@ -134,9 +137,11 @@ kstd_result readEnumLeaf(const Node* node, const char16_t* name, T* value) {
 
 }  // namespace
 
-kstd_result setValue(Node* node, const kstd_persistentProperty* property) {
-    VEXPERS_TRY(kstd_persistentProperty_getInfo(property, &node->info));
-    VEXPERS_TRY(kstd_persistentProperty_assign(&node->leafProperty, property));
+namespace {
+
+// The item count and kind flags of the node's own value, once it is set.
+kstd_result describeValue(Node* node) {
+    const kstd_persistentProperty* property = &node->leafProperty;
     VEXPERS_TRY(kstd_persistentProperty_getNumItemsIfArray(property, &node->numItems));
     node->objectId = -1;
     node->flags |= flag::hasInfo | flag::hasValue;
@@ -147,12 +152,46 @@ kstd_result setValue(Node* node, const kstd_persistentProperty* property) {
     node->flags |= leafKindFlags(leafKind);
     uint32_t isArray = 0;
     uint32_t arrayKind = 0;
-    VEXPERS_TRY(kstd_persistentProperty_getIsArray(&node->leafProperty, &isArray, &arrayKind));
+    VEXPERS_TRY(kstd_persistentProperty_getIsArray(property, &isArray, &arrayKind));
     VEXPERS_REQUIRE(arrayKind <= 2);
     if (arrayKind == 1) node->flags |= flag::arrayCore;
     if (arrayKind == 2) node->flags |= flag::arrayOther;
     if (leafKind == 0 && arrayKind == 0) node->flags |= flag::compound;
     return 0;
+}
+
+// Exchanges two records by their bytes, except that a string's characters
+// may point at its own emptyChar, which must keep pointing into its record.
+void exchangeStrings(kstd_stringConst& a, kstd_stringConst& b) {
+    const bool aOwnEmpty = a.chars == &a.emptyChar;
+    const bool bOwnEmpty = b.chars == &b.emptyChar;
+    std::swap(a, b);
+    if (aOwnEmpty) b.chars = &b.emptyChar;
+    if (bOwnEmpty) a.chars = &a.emptyChar;
+}
+
+void exchangeProperties(kstd_persistentProperty& a, kstd_persistentProperty& b) {
+    exchangeStrings(a.info.name, b.info.name);
+    std::swap(a.info.type, b.info.type);
+    std::swap(a.info.dataAccess, b.info.dataAccess);
+    std::swap(a.info.globalIndex, b.info.globalIndex);
+    // A variant holds no pointer into itself: its shares and its value
+    // move with it unchanged.
+    std::swap(a.value, b.value);
+}
+
+}  // namespace
+
+kstd_result setValue(Node* node, const kstd_persistentProperty* property) {
+    VEXPERS_TRY(kstd_persistentProperty_getInfo(property, &node->info));
+    VEXPERS_TRY(kstd_persistentProperty_assign(&node->leafProperty, property));
+    return describeValue(node);
+}
+
+kstd_result takeValue(Node* node, kstd_persistentProperty* property) {
+    exchangeProperties(node->leafProperty, *property);
+    VEXPERS_TRY(kstd_persistentProperty_getInfo(&node->leafProperty, &node->info));
+    return describeValue(node);
 }
 
 namespace {

@@ -79,6 +79,12 @@ inline void appendChild(Node* parent, Node* child) {
 // `property`. Bits are only added; each step stops the operation on failure.
 kstd_result setValue(Node* node, const kstd_persistentProperty* property);
 
+// As setValue, but moves the value out of `property` instead of sharing it:
+// the node's own (empty) property is left in its place. For a source that is
+// discarded afterwards, this saves a copy of the descriptor and the value
+// with their reference counts.
+kstd_result takeValue(Node* node, kstd_persistentProperty* property);
+
 // Frees `node` and every node below it back to the owner tree's allocator,
 // without recursion. `node`'s own sibling link is not followed. Every node
 // is freed even when destroying one fails; the first failure is returned.

@@ -141,11 +141,24 @@ VEXPERS_EXPORT kstd_result kstd_persistentVariant_getContainer(const kstd_persis
         VEXPERS_TRY(kstd_persistentType_getElementSize(&variant->type, elementSize));
     }
 
-    const char16_t* name = nullptr;
-    VEXPERS_TRY(kstd_stringConst_getString(&record->name, &name));
     const uint32_t itemDerivation = record->derivation == kstd_persistentTypeDerivation_bitfieldArray
                                         ? kstd_persistentTypeDerivation_bitfield
                                         : kstd_persistentTypeDerivation_value;
+    // Items of a core type: the core type's handle is at hand, which spares
+    // a registry look-up by name (the array's name is the item type's,
+    // interned, so the same text is the same pointer).
+    if (record->isKnown != 0 && record->coreTypeId >= 0 && record->coreTypeId < kstd_persistentCoreTypeId_count &&
+        itemDerivation == kstd_persistentTypeDerivation_value) {
+        const kstd_persistentType* core = nullptr;
+        VEXPERS_TRY(vexpers::variant::coreType(record->coreTypeId, &core));
+        const Record* coreRecord = nullptr;
+        if (vexpers::types::resolveRecord(core, true, &coreRecord) >= 0 &&
+            coreRecord->derivation == kstd_persistentTypeDerivation_value &&
+            coreRecord->name.chars == record->name.chars)
+            return kstd_persistentType_assign(elementType, core);
+    }
+    const char16_t* name = nullptr;
+    VEXPERS_TRY(kstd_stringConst_getString(&record->name, &name));
     return kstd_persistentType_resetTypeNameAndDerivation(elementType, name, itemDerivation);
 }
 
