@@ -13,6 +13,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "client_object.hpp"
 #include "vexpers/vexpers.h"
 
 namespace vexpers::test {
@@ -140,15 +141,8 @@ inline constexpr kstd_persistentValueAccessVtable bitfieldValueAccessTable{};
 
 // Accessor words of a declared property: `word` makes one of a function,
 // `accessors` puts each at its index.
-template <class F>
-const void* word(F function) {
-    return reinterpret_cast<const void*>(function);
-}
-inline kstd_persistentPropertyAccessors accessors(std::initializer_list<std::pair<int, const void*>> words) {
-    kstd_persistentPropertyAccessors result{};
-    for (const auto& [index, w] : words) result.words[index] = w;
-    return result;
-}
+using vexpers::client::accessors;
+using vexpers::client::word;
 
 // The record a type descriptor shares, or null.
 inline const kstd_persistentType_* recordOf(const kstd_persistentType* type) {

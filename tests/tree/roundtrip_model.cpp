@@ -13,21 +13,8 @@ std::atomic<int64_t> live{0};
 
 // A member is stored by its address and loaded by loading its own type
 // from its node, the way a client declares members.
-template <size_t Offset>
-kstd_result addressAt(const void* object, const void** member) {
-    *member = static_cast<const char*>(object) + Offset;
-    return 0;
-}
-
-template <size_t Offset>
-kstd_result loadAt(void* object, const kstd_persistentType* type, const kstd_persistentPropertyNode* node) {
-    return kstd_persistentType_loadPropertyNode(type, static_cast<char*>(object) + Offset, node);
-}
-
-template <size_t Offset>
-kstd_persistentPropertyAccessors member(kstd_result (*registration)() = nullptr) {
-    return accessors({{4, word(addressAt<Offset>)}, {8, word(loadAt<Offset>)}, {10, word(registration)}});
-}
+using vexpers::client::loadAt;
+using vexpers::client::member;
 
 // ---- Object life cycles: construct and destruct per type, the rest from templates ----------
 
