@@ -368,6 +368,9 @@ const char* SectionReader::forwardProblem() {
 kstd_result SectionReader::end(int64_t offset) {
     if (open_.empty()) return reject(kfmt_result_protocol, offset, "an end section without an open node");
     const Open top = open_.back();
+    // A node opened by a start section holds its members as children; one
+    // without any could never be walked, and so never written back.
+    if (top.children == 0) return reject(kfmt_result_malformed, offset, "a node that ends without children");
     if (top.expectedItems >= 0 && top.children != top.expectedItems)
         return reject(kfmt_result_countMismatch, offset, "fewer items in a list than its count says");
     const kstd_result result = kstd_persistentPropertyNode_endNode(top.node);
