@@ -108,10 +108,7 @@ public:
         if (kinds.hasId) packed |= binary::kindHasId;
         if (kinds.isDeleted) packed |= binary::kindDeleted;
         out.put(static_cast<char>(packed));
-        KFMT_TRY(textReference(view.name));
-        KFMT_TRY(textReference(view.typeName));
-        out.put(static_cast<char>(view.derivation));
-        number(view.dataAccess);
+        KFMT_TRY(descriptor(view));
         if (kinds.hasId) number(static_cast<uint64_t>(view.id));
         if (kinds.leafKind == 0 && kinds.arrayKind != 0)
             number(static_cast<uint64_t>(view.items != nullptr ? view.items->count() : view.numItems));
@@ -144,8 +141,8 @@ public:
     }
 
 private:
-    void number(uint64_t value) {
-        char bytes[10];
+    // Writes `value` as a varint at `bytes` (room for 10); gives its size.
+    static size_t varint(uint64_t value, char* bytes) {
         size_t count = 0;
         do {
             uint8_t byte = value & 0x7F;
@@ -153,7 +150,39 @@ private:
             if (value != 0) byte |= 0x80;
             bytes[count++] = static_cast<char>(byte);
         } while (value != 0);
-        out.write(bytes, count);
+        return count;
+    }
+
+    void number(uint64_t value) {
+        char bytes[10];
+        out.write(bytes, varint(value, bytes));
+    }
+
+    // The name, type name, derivation and access of a section. Once both
+    // texts are in the table their encoding no longer changes, so it is kept
+    // by the view's descriptor and written again as it stands.
+    kstd_result descriptor(const NodeView& view) {
+        KnownDescriptor* known = view.descriptor != 0 ? &known_[view.descriptor % knownSlots] : nullptr;
+        if (known != nullptr && known->descriptor == view.descriptor) {
+            out.write(known->bytes, known->size);
+            return 0;
+        }
+        int64_t nameIndex = -1;
+        int64_t typeIndex = -1;
+        KFMT_TRY(textReference(view.name, &nameIndex));
+        KFMT_TRY(textReference(view.typeName, &typeIndex));
+        out.put(static_cast<char>(view.derivation));
+        number(view.dataAccess);
+        if (known == nullptr || nameIndex < 0 || typeIndex < 0) return 0;
+        // References are 0 for the null text, else the index + 2.
+        char* bytes = known->bytes;
+        size_t size = varint(view.name.chars == nullptr ? 0 : static_cast<uint64_t>(nameIndex) + 2, bytes);
+        size += varint(view.typeName.chars == nullptr ? 0 : static_cast<uint64_t>(typeIndex) + 2, bytes + size);
+        bytes[size++] = static_cast<char>(view.derivation);
+        size += varint(view.dataAccess, bytes + size);
+        known->size = static_cast<uint8_t>(size);
+        known->descriptor = view.descriptor;
+        return 0;
     }
 
     kstd_result text(const char16_t* chars, size_t length) {
@@ -164,15 +193,18 @@ private:
         return 0;
     }
 
-    kstd_result textReference(const Text& value) {
+    // A text by reference: 0 for the null text, the index + 2 of a text
+    // written before, or 1 followed by the text. `*index` is the text's
+    // index when it was in the table (0 for the null text), else -1.
+    kstd_result textReference(const Text& value, int64_t* index) {
+        *index = 0;
         if (value.chars == nullptr) {
             number(0);
             return 0;
         }
-        int64_t index = -1;
-        KFMT_TRY(texts_.find(value.chars, value.length, &index));
-        if (index >= 0) {
-            number(static_cast<uint64_t>(index) + 2);
+        KFMT_TRY(texts_.find(value.chars, value.length, index));
+        if (*index >= 0) {
+            number(static_cast<uint64_t>(*index) + 2);
             return 0;
         }
         number(1);
@@ -202,8 +234,16 @@ private:
         }
     }
 
+    struct KnownDescriptor {
+        uint64_t descriptor = 0;
+        char bytes[31];  // two references and the access (10, 10, 10) and the derivation
+        uint8_t size = 0;
+    };
+    static constexpr size_t knownSlots = 64;
+
     TextTable texts_;
     Buffer<char> utf8_;
+    KnownDescriptor known_[knownSlots];
 };
 
 }  // namespace

@@ -151,6 +151,7 @@ using Section = Owned<kstd_persistentPropertyNodeSection, kstd_persistentPropert
                       kstd_persistentPropertyNodeSection_destruct>;
 using Info = Owned<kstd_persistentPropertyInfo, kstd_persistentPropertyInfo_construct,
                    kstd_persistentPropertyInfo_destruct>;
+using Name = Owned<kstd_stringConst, kstd_stringConst_construct, kstd_stringConst_destruct>;
 using Variant = Owned<kstd_persistentVariant, kstd_persistentVariant_construct, kstd_persistentVariant_destruct>;
 using Type = Owned<kstd_persistentType, kstd_persistentType_construct, kstd_persistentType_destruct>;
 using StringConst = Owned<kstd_unicodeStringConst, kstd_unicodeStringConst_construct,

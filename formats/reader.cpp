@@ -29,7 +29,7 @@ SectionReader::~SectionReader() {
 }
 
 kstd_result SectionReader::init() {
-    KFMT_TRY(section_.status());
+    for (CachedSection& slot : sectionCache_) KFMT_TRY(slot.section.status());
     KFMT_TRY(value_.status());
     if (options_.flags & kfmt_flag_checkObjectIds) {
         KFMT_TRY(kstd_hashtable_construct(&defined_, &int64Operations, &int64Operations, 1024, -1));
@@ -53,32 +53,31 @@ uint32_t mix(uint32_t hash, const Text& text) {
 
 }  // namespace
 
-kstd_result SectionReader::describedInfo(const Header& header, const kstd_persistentPropertyInfo** info) {
-    *info = nullptr;
+kstd_result SectionReader::describedSection(const Header& header, kstd_persistentPropertyNodeSection** section) {
+    *section = nullptr;
     uint32_t hash = mix(mix(2166136261u, header.name), header.typeName);
     hash = (hash ^ (header.derivation * 31u + header.dataAccess)) * 16777619u;
-    CachedInfo& slot = infoCache_[(hash ^ (hash >> 15)) % infoSlots];
+    CachedSection& slot = sectionCache_[(hash ^ (hash >> 15)) % sectionSlots];
+    kstd_persistentPropertyInfo* info = &slot.section->info;
     if (slot.used) {
-        const kstd_persistentPropertyInfo* cached = slot.info.get();
         const char16_t* typeName = nullptr;
         uint32_t derivation = 0;
-        if (cached->dataAccess == header.dataAccess &&
-            sameText(cached->name.chars, cached->name.length, header.name.chars, header.name.length) &&
-            kstd_persistentType_getTypeName(&cached->type, &typeName) >= 0 && typeName != nullptr &&
-            kstd_persistentType_getTypeDerivation(&cached->type, &derivation) >= 0 &&
+        if (info->dataAccess == header.dataAccess &&
+            sameText(info->name.chars, info->name.length, header.name.chars, header.name.length) &&
+            kstd_persistentType_getTypeName(&info->type, &typeName) >= 0 && typeName != nullptr &&
+            kstd_persistentType_getTypeDerivation(&info->type, &derivation) >= 0 &&
             derivation == header.derivation &&
             sameText(typeName, static_cast<int32_t>(std::char_traits<char16_t>::length(typeName)),
                      header.typeName.chars, header.typeName.length)) {
-            *info = cached;
+            *section = slot.section.get();
             return 0;
         }
     }
-    KFMT_TRY(slot.info.status());
     slot.used = false;
     KFMT_TRY(kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(
-        slot.info.get(), header.name.chars, header.typeName.chars, header.derivation, header.dataAccess));
+        info, header.name.chars, header.typeName.chars, header.derivation, header.dataAccess));
     slot.used = true;
-    *info = slot.info.get();
+    *section = slot.section.get();
     return 0;
 }
 
@@ -136,21 +135,22 @@ kstd_result SectionReader::describe(const Header& header, int64_t offset) {
         KFMT_TRY(justify(header.count, 1, offset));
     }
 
-    kstd_persistentPropertyNodeSection* section = section_.get();
+    // The section's descriptor is already the header's; the rest is what
+    // kstd_persistentPropertyNodeSection_reset would clear. The property is
+    // left as the last node of this descriptor had it: every section that
+    // carries a value sets it anew, and the others carry none.
+    section_ = nullptr;
     described_ = nullptr;
-    // What kstd_persistentPropertyNodeSection_reset does, except that the
-    // descriptor is left for setObjectInfo to overwrite: assigning over it
-    // costs less than emptying it first.
-    section->sectionType = kstd_persistentPropertyNodeSectionType_none;
-    section->flags = 0;
-    section->objectId = -1;
-    section->numItems = 0;
-    kstd_result result = kstd_persistentProperty_reset(&section->property);
-    if (result >= 0) result = describedInfo(header, &described_);
-    if (result >= 0)
+    kstd_persistentPropertyNodeSection* section = nullptr;
+    kstd_result result = describedSection(header, &section);
+    if (result >= 0) {
+        section_ = section;
+        described_ = &section->info;
+        section->sectionType = kstd_persistentPropertyNodeSectionType_none;
         result = kstd_persistentPropertyNodeSection_setObjectInfo(section, described_, described_, k.hasId ? 1 : 0,
                                                                   header.id, k.leafKind, k.arrayKind,
                                                                   counted ? header.count : 0, k.isDeleted ? 1 : 0);
+    }
     if (result < 0) return reject(result, offset, "the library refused the node's descriptor");
     if (k.isItem) section->flags |= kstd_persistentPropertyNodeFlag_arrayItem;
     KFMT_TRY(kstd_persistentPropertyNodeSection_setSectionType(section, header.sectionType));
@@ -211,7 +211,7 @@ kstd_result SectionReader::value(const Scalar& scalar) {
         return reject(kfmt_result_limitExceeded, offset_, "a string longer than the cap");
     // The value goes straight into the section's property (what
     // setLeafPropertyValue would copy it to), which spares a variant copy.
-    kstd_persistentPropertyNodeSection* section = section_.get();
+    kstd_persistentPropertyNodeSection* section = section_;
     kstd_result result = variantOfScalar(cores_, valueCoreId_, scalar, &section->property.value);
     if (result >= 0) result = kstd_persistentPropertyInfo_assign(&section->property.info, &section->info);
     if (result < 0) return reject(result, offset_, "a value that does not fit its type");
@@ -234,7 +234,7 @@ kstd_result SectionReader::beginItems(int32_t coreId, uint32_t* category) {
         return reject(kfmt_result_badValue, offset_, "items of a core type that holds no values");
     const kstd_persistentType* arrayType = nullptr;
     KFMT_TRY(cores_.type(coreId, kstd_persistentTypeDerivation_array, &arrayType));
-    kstd_persistentPropertyNodeSection* section = section_.get();
+    kstd_persistentPropertyNodeSection* section = section_;
     void* first = nullptr;
     uint32_t elementSize = 0;
     const int32_t count = static_cast<int32_t>(header_.count);
@@ -277,7 +277,7 @@ kstd_result SectionReader::commit() {
     const bool isStart = header_.sectionType == kstd_persistentPropertyNodeSectionType_start;
     if (isStart && depth() >= options_.limits.maxDepth)
         return reject(kstd_persistentResult_nestingTooDeep, offset_, "nesting deeper than the cap");
-    kstd_persistentPropertyNodeSection* section = section_.get();
+    kstd_persistentPropertyNodeSection* section = section_;
     kstd_persistentPropertyNode* parent = open_.empty() ? nullptr : open_.back().node;
     if (parent != nullptr) {
         Open& top = open_.back();

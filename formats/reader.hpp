@@ -75,25 +75,28 @@ private:
         int64_t expectedItems;  // -1: not a list
     };
     kstd_result addNode(bool isLeaf, bool isStartEnd);
-    // The descriptor of a header's name, type name, derivation and access:
-    // made once for each distinct combination (kept in a small cache with
-    // one slot per hash), so the registry is not asked again for every node.
-    kstd_result describedInfo(const Header& header, const kstd_persistentPropertyInfo** info);
+    // The node section of a header's name, type name, derivation and access,
+    // whose `info` is that descriptor: made once for each distinct
+    // combination (kept in a small cache with one slot per hash), so the
+    // registry is not asked again for every node, and a section that comes
+    // back for the next node of the same descriptor keeps its descriptor
+    // instead of copying it in again.
+    kstd_result describedSection(const Header& header, kstd_persistentPropertyNodeSection** section);
     kstd_result noteIds(int64_t offset);
     kstd_result progress();
 
     kstd_persistentPropertyTree* tree_;
     const kfmt_options& options_;
     Input& input_;
-    Section section_;
 
-    struct CachedInfo {
-        Info info;
+    struct CachedSection {
+        Section section;
         bool used = false;
     };
-    static constexpr size_t infoSlots = 128;
-    CachedInfo infoCache_[infoSlots];
-    const kstd_persistentPropertyInfo* described_ = nullptr;  // of the section being described
+    static constexpr size_t sectionSlots = 128;
+    CachedSection sectionCache_[sectionSlots];
+    kstd_persistentPropertyNodeSection* section_ = nullptr;   // the section being described
+    const kstd_persistentPropertyInfo* described_ = nullptr;  // its descriptor
     Variant value_;
     CoreTypes cores_;
     Buffer<Open> open_;

@@ -305,6 +305,7 @@ kstd_result storeItem(const CoreFacts& facts, const Scalar& scalar, void* elemen
 }
 
 bool sameType(const kstd_persistentType* first, const kstd_persistentType* second) {
+    if (first->record.shared == second->record.shared) return true;  // one record: one type
     uint32_t equal = 0;
     return kstd_persistentType_compareEqual(first, second, &equal) >= 0 && equal != 0;
 }

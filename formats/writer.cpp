@@ -7,6 +7,26 @@
 namespace vexpers::formats {
 namespace {
 
+// A node descriptor taken apart once: the texts, derivation and access that
+// every section of this name, type and access repeats. The slot keeps its
+// own share of the name and the type record, so a descriptor that matches
+// by those pointers is the same descriptor.
+struct KnownInfo {
+    Name name;
+    Type type;
+    uint32_t dataAccess = 0;
+    Text nameText;
+    Text typeText;
+    uint32_t derivation = 0;
+    uint64_t descriptor = 0;  // 0: the slot is empty
+};
+
+bool sameName(const kstd_stringConst& a, const kstd_stringConst& b) {
+    if (a.holder.shared != b.holder.shared || a.length != b.length) return false;
+    // Without a holder the text is the null or the empty string.
+    return a.holder.shared != nullptr ? a.chars == b.chars : (a.chars == nullptr) == (b.chars == nullptr);
+}
+
 struct Walk {
     Encoder* encoder = nullptr;
     Output* output = nullptr;
@@ -23,16 +43,43 @@ struct Walk {
     // Where the walk failed, and what failed, for the report.
     int64_t failedAt = -1;
     const char* failedStep = nullptr;
+    static constexpr size_t knownSlots = 64;
+    KnownInfo known[knownSlots];
+    uint64_t descriptors = 0;  // descriptors named so far
 };
 
-kstd_result textOf(const kstd_persistentPropertyInfo* info, Text* name, Text* typeName) {
-    const char16_t* chars = nullptr;
-    KFMT_TRY(kstd_persistentPropertyInfo_getName(info, &chars));
-    name->chars = chars;
-    name->length = chars != nullptr ? static_cast<int32_t>(ksys_wcslen(chars)) : 0;
-    KFMT_TRY(kstd_persistentPropertyInfo_getTypeName(info, &chars));
-    typeName->chars = chars;
-    typeName->length = chars != nullptr ? static_cast<int32_t>(ksys_wcslen(chars)) : 0;
+kstd_result textOf(const char16_t* chars, Text* text) {
+    text->chars = chars;
+    text->length = chars != nullptr ? static_cast<int32_t>(ksys_wcslen(chars)) : 0;
+    return 0;
+}
+
+// The walk's record of the node's descriptor, made on first sight.
+kstd_result knownInfo(Walk& walk, const kstd_persistentPropertyInfo* info, const KnownInfo** known) {
+    *known = nullptr;
+    const uintptr_t key = reinterpret_cast<uintptr_t>(info->name.holder.shared) ^
+                          reinterpret_cast<uintptr_t>(info->type.record.shared) * 31u ^ info->dataAccess;
+    KnownInfo& slot = walk.known[(key ^ (key >> 7) ^ (key >> 13)) % Walk::knownSlots];
+    if (slot.descriptor != 0 && slot.dataAccess == info->dataAccess &&
+        slot.type->record.shared == info->type.record.shared && sameName(*slot.name.get(), info->name)) {
+        *known = &slot;
+        return 0;
+    }
+    slot.descriptor = 0;
+    KFMT_TRY(slot.name.status());
+    KFMT_TRY(slot.type.status());
+    KFMT_TRY(kstd_stringConst_assign(slot.name.get(), &info->name));
+    KFMT_TRY(kstd_persistentType_assign(slot.type.get(), &info->type));
+    slot.dataAccess = info->dataAccess;
+    const char16_t* name = nullptr;
+    const char16_t* typeName = nullptr;
+    KFMT_TRY(kstd_stringConst_getString(slot.name.get(), &name));
+    KFMT_TRY(kstd_persistentType_getTypeName(slot.type.get(), &typeName));
+    KFMT_TRY(kstd_persistentType_getTypeDerivation(slot.type.get(), &slot.derivation));
+    KFMT_TRY(textOf(name, &slot.nameText));
+    KFMT_TRY(textOf(typeName, &slot.typeText));
+    slot.descriptor = ++walk.descriptors;
+    *known = &slot;
     return 0;
 }
 
@@ -46,9 +93,13 @@ kstd_result describe(Walk& walk, const kstd_persistentPropertyNode* node, uint32
     view.kinds = kindsOf(node->flags);
     view.id = node->objectId;
     view.numItems = node->numItems;
-    KFMT_TRY(textOf(info, &view.name, &view.typeName));
-    KFMT_TRY(kstd_persistentPropertyInfo_getTypeDerivation(info, &view.derivation));
-    KFMT_TRY(kstd_persistentPropertyInfo_getDataAccess(info, &view.dataAccess));
+    const KnownInfo* known = nullptr;
+    KFMT_TRY(knownInfo(walk, info, &known));
+    view.name = known->nameText;
+    view.typeName = known->typeText;
+    view.derivation = known->derivation;
+    view.dataAccess = known->dataAccess;
+    view.descriptor = known->descriptor;
     if (view.kinds.hasId && view.id < 0) return kstd_persistentResult_objectIdNotFound;
     if (view.kinds.leafKind == 1) {
         KFMT_TRY(kstd_persistentType_getCoreTypeId(&value->type, &view.valueCoreId));

@@ -17,6 +17,10 @@ struct NodeView {
     Text typeName;
     uint32_t derivation = 0;
     uint32_t dataAccess = 2;
+    // Names the four fields above for this walk: views with the same
+    // non-zero descriptor have the same name, type name, derivation and
+    // access. 0 when not known.
+    uint64_t descriptor = 0;
     // Leaf kind 1: the value, its core type id and whether that differs from
     // the declared type.
     int32_t valueCoreId = -1;
