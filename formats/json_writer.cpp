@@ -14,6 +14,8 @@
 // the id a reference points at), "count" (items of an array or a list),
 // "valueType" (the core type of a value or of an array's items when it is
 // not the declared one), and last "value", "items" or "children".
+#include <cstdio>
+
 #include "json.hpp"
 #include "writer.hpp"
 
@@ -31,15 +33,31 @@ struct Stream {
 inline void PutUnsafe(Stream& stream, char c) { stream.Put(c); }
 inline void PutReserve(Stream&, size_t) {}
 
+// RapidJSON's view of a scratch buffer, in which texts are escaped once.
+struct ScratchStream {
+    typedef char Ch;
+    Buffer<char>* bytes;
+    bool failed = false;
+    void Put(char c) {
+        if (bytes->push(c) < 0) failed = true;
+    }
+    void Flush() {}
+};
+inline void PutUnsafe(ScratchStream& stream, char c) { stream.Put(c); }
+inline void PutReserve(ScratchStream&, size_t) {}
+
 constexpr unsigned writeFlags = rapidjson::kWriteValidateEncodingFlag | rapidjson::kWriteNanAndInfFlag;
 using Base = rapidjson::Writer<Stream, json::Utf16, json::Utf8, json::StackAllocator, writeFlags>;
+using ScratchWriter = rapidjson::Writer<ScratchStream, json::Utf16, json::Utf8, json::StackAllocator, writeFlags>;
 
 // A writer that puts the node objects of "nodes" and "children" arrays on
 // lines of their own, indented by their depth (up to 20 levels, so that
-// deep trees do not drown in white space).
+// deep trees do not drown in white space), or all on one line when compact.
+// Members whose JSON text is known in advance go out as they stand.
 class LineWriter : public Base {
 public:
-    LineWriter(Stream& stream, json::StackAllocator* allocator) : Base(stream, allocator, 64) {}
+    LineWriter(Stream& stream, json::StackAllocator* allocator, bool compact)
+        : Base(stream, allocator, 64), compact_(compact) {}
 
     bool startNodeObject(int64_t depth) {
         Level* level = level_stack_.Top<Level>();
@@ -56,32 +74,59 @@ public:
     }
     bool key(const char16_t* text) { return Key(text, std::char_traits<char16_t>::length(text)); }
 
+    // Members of the open object in JSON text (keys and values, `values` of
+    // them in all, separated by commas), as a key would follow them.
+    void rawMembers(const char* text, size_t length, size_t values) {
+        Level* level = level_stack_.Top<Level>();
+        if (level->valueCount > 0) os_->Put(',');
+        os_->out->write(text, length);
+        level->valueCount += values;
+    }
+    template <size_t N>
+    void rawMember(const char (&text)[N]) {
+        rawMembers(text, N - 1, 2);
+    }
+    // A key in JSON text, quotes included; its value follows through the writer.
+    template <size_t N>
+    void rawKey(const char (&text)[N]) {
+        rawMembers(text, N - 1, 1);
+    }
+
 private:
     void newLine(int64_t depth) {
+        if (compact_) return;
         os_->Put('\n');
         for (int64_t i = 0; i < depth && i < 20; ++i) {
             os_->Put(' ');
             os_->Put(' ');
         }
     }
+    bool compact_;
 };
 
-const char16_t* kindName(const Kinds& kinds) {
+// The "kind" member of each kind of node.
+void writeKind(LineWriter& writer, const Kinds& kinds) {
     switch (kinds.leafKind) {
-    case 1: return u"value";
-    case 2: return u"null";
-    case 3: return kinds.arrayKind == 1 ? u"emptyArray" : u"emptyList";
-    case 4: return u"ref";
+    case 1: return writer.rawMember("\"kind\":\"value\"");
+    case 2: return writer.rawMember("\"kind\":\"null\"");
+    case 3:
+        if (kinds.arrayKind == 1) return writer.rawMember("\"kind\":\"emptyArray\"");
+        return writer.rawMember("\"kind\":\"emptyList\"");
+    case 4: return writer.rawMember("\"kind\":\"ref\"");
     default: break;
     }
-    if (kinds.arrayKind == 1) return u"array";
-    if (kinds.arrayKind == 2) return u"list";
-    return u"object";
+    if (kinds.arrayKind == 1) return writer.rawMember("\"kind\":\"array\"");
+    if (kinds.arrayKind == 2) return writer.rawMember("\"kind\":\"list\"");
+    return writer.rawMember("\"kind\":\"object\"");
 }
 
 class JsonEncoder final : public Encoder {
 public:
-    explicit JsonEncoder(Output& output) : Encoder(output), writer_(stream_, &allocator_) { stream_.out = &output; }
+    JsonEncoder(Output& output, bool compact)
+        : Encoder(output), writer_(stream_, &allocator_, compact), scratch_(scratchStream_, &allocator_) {
+        stream_.out = &output;
+        scratchStream_.bytes = &scratchBytes_;
+    }
 
     kstd_result begin() override {
         bool ok = writer_.StartObject() && writer_.key(u"format") && writer_.String(json::formatName) &&
@@ -92,36 +137,37 @@ public:
 
     kstd_result node(NodeView& view) override {
         const Kinds& kinds = view.kinds;
-        bool ok = writer_.startNodeObject(depth_ + 1) && writer_.key(u"name") &&
-                  (view.name.chars == nullptr ? writer_.Null()
-                                              : writer_.String(view.name.chars, static_cast<size_t>(view.name.length))) &&
-                  writer_.key(u"type") &&
-                  (view.typeName.chars == nullptr
-                       ? writer_.Null()
-                       : writer_.String(view.typeName.chars, static_cast<size_t>(view.typeName.length)));
-        if (ok && view.derivation != 0) ok = writer_.key(u"derivation") && writer_.Uint(view.derivation);
-        if (ok && view.dataAccess != 2) ok = writer_.key(u"access") && writer_.Uint(view.dataAccess);
-        if (ok) ok = writer_.key(u"kind") && writer_.String(kindName(kinds));
-        if (ok && kinds.isItem) ok = writer_.key(u"item") && writer_.Bool(true);
-        if (ok && kinds.isDeleted) ok = writer_.key(u"deleted") && writer_.Bool(true);
-        if (ok && kinds.hasId) ok = writer_.key(u"id") && writer_.Int64(view.id);
-        if (!ok) return kfmt_result_notStorable;
+        if (!writer_.startNodeObject(depth_ + 1)) return kfmt_result_notStorable;
+        KFMT_TRY(descriptor(view));
+        writeKind(writer_, kinds);
+        if (kinds.isItem) writer_.rawMember("\"item\":true");
+        if (kinds.isDeleted) writer_.rawMember("\"deleted\":true");
+        if (kinds.hasId) {
+            writer_.rawKey("\"id\"");
+            if (!writer_.Int64(view.id)) return kfmt_result_notStorable;
+        }
 
         if (view.sectionType == kstd_persistentPropertyNodeSectionType_start) {
-            if (kinds.arrayKind == 2 && !(writer_.key(u"count") && writer_.Int64(view.numItems)))
-                return kfmt_result_notStorable;
-            if (!(writer_.key(u"children") && writer_.StartArray())) return kfmt_result_notStorable;
+            if (kinds.arrayKind == 2) {
+                writer_.rawKey("\"count\"");
+                if (!writer_.Int64(view.numItems)) return kfmt_result_notStorable;
+            }
+            writer_.rawKey("\"children\"");
+            if (!writer_.StartArray()) return kfmt_result_notStorable;
             ++depth_;
             return 0;
         }
         if (kinds.leafKind == 1) {
             if (view.valueTypeDiffers) KFMT_TRY(coreTypeName(view.valueCoreId));
-            if (!(writer_.key(u"value") && scalar(view.scalar))) return kfmt_result_notStorable;
+            writer_.rawKey("\"value\"");
+            if (!scalar(view.scalar)) return kfmt_result_notStorable;
         } else if (kinds.leafKind == 0 && view.items != nullptr) {
             ArrayCursor& items = *view.items;
-            if (!(writer_.key(u"count") && writer_.Int64(items.count()))) return kfmt_result_notStorable;
+            writer_.rawKey("\"count\"");
+            if (!writer_.Int64(items.count())) return kfmt_result_notStorable;
             if (view.itemTypeDiffers) KFMT_TRY(coreTypeName(items.itemCoreId()));
-            if (!(writer_.key(u"items") && writer_.StartArray())) return kfmt_result_notStorable;
+            writer_.rawKey("\"items\"");
+            if (!writer_.StartArray()) return kfmt_result_notStorable;
             for (int64_t i = 0; i < items.count(); ++i) {
                 Scalar item;
                 KFMT_TRY(items.next(&item));
@@ -148,6 +194,55 @@ public:
     }
 
 private:
+    // The members "name", "type", "derivation" (when not 0) and "access"
+    // (when not 2). Their text is the same for every node of a descriptor,
+    // so it is escaped once and kept by the view's descriptor.
+    kstd_result descriptor(const NodeView& view) {
+        KnownDescriptor* known = view.descriptor != 0 ? &known_[view.descriptor % knownSlots] : nullptr;
+        if (known != nullptr && known->descriptor == view.descriptor) {
+            writer_.rawMembers(known->text, known->length, known->values);
+            return 0;
+        }
+        scratchBytes_.clear();
+        scratchStream_.failed = false;
+        bool ok = appendRaw("\"name\":") && appendText(view.name) && appendRaw(",\"type\":") &&
+                  appendText(view.typeName);
+        size_t values = 4;
+        char digits[32];
+        if (ok && view.derivation != 0) {
+            std::snprintf(digits, sizeof digits, ",\"derivation\":%u", view.derivation);
+            ok = appendRaw(digits);
+            values += 2;
+        }
+        if (ok && view.dataAccess != 2) {
+            std::snprintf(digits, sizeof digits, ",\"access\":%u", view.dataAccess);
+            ok = appendRaw(digits);
+            values += 2;
+        }
+        if (scratchStream_.failed) return ksys_result_outOfMemory;
+        if (!ok) return kfmt_result_notStorable;
+        writer_.rawMembers(scratchBytes_.data(), scratchBytes_.size(), values);
+        if (known != nullptr && scratchBytes_.size() <= sizeof known->text) {
+            std::memcpy(known->text, scratchBytes_.data(), scratchBytes_.size());
+            known->length = scratchBytes_.size();
+            known->values = values;
+            known->descriptor = view.descriptor;
+        }
+        return 0;
+    }
+    bool appendRaw(const char* text) {
+        if (scratchBytes_.append(text, std::strlen(text)) >= 0) return true;
+        scratchStream_.failed = true;  // out of memory
+        return false;
+    }
+    // A name as a JSON string (null for the null name), escaped and checked
+    // as the writer checks every string.
+    bool appendText(const Text& text) {
+        if (text.chars == nullptr) return appendRaw("null");
+        scratch_.Reset(scratchStream_);
+        return scratch_.String(text.chars, static_cast<size_t>(text.length)) && !scratchStream_.failed;
+    }
+
     kstd_result coreTypeName(int32_t coreId) {
         const char16_t* name = nullptr;
         KFMT_TRY(kstd_persistentTypeGetCoreTypeTypeName(coreId, &name));
@@ -170,17 +265,29 @@ private:
         }
     }
 
+    struct KnownDescriptor {
+        uint64_t descriptor = 0;
+        size_t length = 0;
+        size_t values = 0;
+        char text[232];
+    };
+    static constexpr size_t knownSlots = 64;
+
     Stream stream_{};
     json::StackAllocator allocator_;
     LineWriter writer_;
+    Buffer<char> scratchBytes_;
+    ScratchStream scratchStream_{};
+    ScratchWriter scratch_;
+    KnownDescriptor known_[knownSlots];
     int64_t depth_ = 0;
 };
 
 }  // namespace
 
-kstd_result makeJsonEncoder(Output& output, Encoder** encoder) {
+kstd_result makeJsonEncoder(Output& output, bool compact, Encoder** encoder) {
     JsonEncoder* made = nullptr;
-    KFMT_TRY(createObject(&made, output));
+    KFMT_TRY(createObject(&made, output, compact));
     *encoder = made;
     return 0;
 }

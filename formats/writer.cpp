@@ -174,8 +174,8 @@ kstd_result visit(void* context, int32_t event, int32_t depth, const kstd_persis
 
 }  // namespace
 
-kstd_result makeEncoder(uint32_t format, Output& output, Encoder** encoder) {
-    if (format == kfmt_format_json) return makeJsonEncoder(output, encoder);
+kstd_result makeEncoder(uint32_t format, uint32_t flags, Output& output, Encoder** encoder) {
+    if (format == kfmt_format_json) return makeJsonEncoder(output, (flags & kfmt_flag_compact) != 0, encoder);
     if (format == kfmt_format_binary) return makeBinaryEncoder(output, encoder);
     *encoder = nullptr;
     return kfmt_result_malformed;
@@ -206,7 +206,7 @@ extern "C" KFMT_API kstd_result kfmt_writeTree(kstd_persistentPropertyTree* tree
     kstd_result result = createObject(&output, sink);
     if (result >= 0) result = output->init();
     if (result >= 0) result = createObject(&walk);
-    if (result >= 0) result = makeEncoder(format, *output, &encoder);
+    if (result >= 0) result = makeEncoder(format, options != nullptr ? options->flags : 0u, *output, &encoder);
     if (result < 0) return fail(report, result, -1, "cannot set up the writer");
     walk->encoder = encoder;
     walk->output = output;

@@ -52,7 +52,8 @@ protected:
 };
 
 // Makes the encoder of `format` (kfmt_result_malformed for another value).
-kstd_result makeJsonEncoder(Output& output, Encoder** encoder);
+// `compact`: JSON on one line, without line breaks and indentation.
+kstd_result makeJsonEncoder(Output& output, bool compact, Encoder** encoder);
 kstd_result makeBinaryEncoder(Output& output, Encoder** encoder);
 void deleteEncoder(Encoder* encoder);
 

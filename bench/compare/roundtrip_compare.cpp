@@ -512,7 +512,11 @@ Timing vexpersCase(Data& data, uint32_t format, bool check) {
     if (result >= 0) result = kstd_persistentPropertyTree_resetDecomposeProperty(&tree, &property);
     kstd_persistentProperty_destruct(&property);
     timing.phases[0] = seconds(start);
-    if (result >= 0) result = kfmt_writeTree(&tree, format, &sink, nullptr, nullptr, &report);
+    // JSON on one line, as cereal's JSON is written without indentation.
+    kfmt_options options{};
+    kfmt_options_setDefaults(&options);
+    options.flags = kfmt_flag_compact;
+    if (result >= 0) result = kfmt_writeTree(&tree, format, &sink, &options, nullptr, &report);
     kstd_persistentPropertyTree_reset(&tree);
     timing.phases[1] = seconds(start) - timing.phases[0];
     timing.write = seconds(start);

@@ -25,11 +25,12 @@ struct Scene : SharedPointer {
 };
 
 inline kstd_result write(kstd_persistentPropertyTree* tree, uint32_t format, Bytes* bytes,
-                         kfmt_report* report = nullptr, kfmt_statistics* statistics = nullptr) {
+                         kfmt_report* report = nullptr, kfmt_statistics* statistics = nullptr,
+                         const kfmt_options* options = nullptr) {
     kfmt_memoryWriter writer;
     kfmt_sink sink;
     kfmt_sink_initMemory(&sink, &writer);
-    const kstd_result result = kfmt_writeTree(tree, format, &sink, nullptr, statistics, report);
+    const kstd_result result = kfmt_writeTree(tree, format, &sink, options, statistics, report);
     bytes->assign(writer.data, writer.data + writer.size);
     kfmt_memoryWriter_release(&writer);
     return result;

@@ -130,6 +130,10 @@ typedef struct kfmt_limits {
 /** Reading: also check object ids (each defined once, every reference after
  *  the definition of its id); kfmt_result_objectIds otherwise. */
 #define kfmt_flag_checkObjectIds 0x1u
+/** Writing JSON: the whole document on one line, without the line breaks
+ *  and indentation that otherwise put each node on a line of its own.
+ *  Readers take either; the binary format ignores it. */
+#define kfmt_flag_compact 0x2u
 
 /** Told every progressInterval nodes and once at the end: nodes and bytes so far. */
 typedef void (*kfmt_progressFunction)(void* context, int64_t nodes, int64_t bytes);
@@ -226,8 +230,9 @@ KFMT_API const char* kfmt_formatName(uint32_t format);
  * Writes every top-level node of `tree` with its subtree to `sink`. The tree
  * is walked with kstd_persistentPropertyProcessor_processPropertyTree, so a
  * decomposed tree's arrays of other items are expanded on the way. A tree
- * read by kfmt_readTree writes the same bytes it was read from. `options`
- * (progress only) and `statistics` may be null; `report` may be null.
+ * read by kfmt_readTree writes the same bytes it was read from (with the same
+ * kfmt_flag_compact). `options` (flags and progress only) and `statistics`
+ * may be null; `report` may be null.
  * Failures: the processor's and the library's codes, a sink's code,
  * kfmt_result_notStorable; the sink may then have received part of the
  * stream.
