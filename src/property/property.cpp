@@ -3,6 +3,7 @@
 #include "vexpers/property.h"
 
 #include "frame/lifecycle.hpp"
+#include "types/empty_records.hpp"
 #include "types/type_record.hpp"
 
 namespace {
@@ -25,10 +26,7 @@ kstd_result valueRecord(const Property* property, const kstd_persistentType_** r
 
 VEXPERS_EXPORT kstd_result kstd_persistentProperty_construct(kstd_persistentProperty* property) {
     VEXPERS_REQUIRE(property != nullptr);
-    VEXPERS_TRY(kstd_persistentPropertyInfo_construct(&property->info));
-    auto info = vexpers::makeGuard([&] { kstd_persistentPropertyInfo_destruct(&property->info); });
-    VEXPERS_TRY(kstd_persistentVariant_construct(&property->value));
-    info.dismiss();
+    *property = vexpers::types::emptyProperty;
     return 0;
 }
 

@@ -4,6 +4,7 @@
 
 #include "frame/lifecycle.hpp"
 #include "property/property_info.hpp"
+#include "types/empty_records.hpp"
 #include "types/registry.hpp"
 
 namespace vexpers::property {
@@ -18,7 +19,7 @@ kstd_result setInternedName(kstd_stringConst* name, const char16_t* text) {
 
 namespace {
 
-constexpr uint32_t defaultDataAccess = 2;
+constexpr uint32_t defaultDataAccess = vexpers::types::emptyInfo.dataAccess;
 
 // Data access, then the name: the first two steps of every setter.
 kstd_result setAccessAndName(kstd_persistentPropertyInfo* info, const char16_t* name, uint32_t dataAccess) {
@@ -48,12 +49,8 @@ kstd_result compareInfos(const kstd_persistentPropertyInfo* info, const kstd_per
 
 VEXPERS_EXPORT kstd_result kstd_persistentPropertyInfo_construct(kstd_persistentPropertyInfo* info) {
     VEXPERS_REQUIRE(info != nullptr);
-    info->dataAccess = defaultDataAccess;
-    info->globalIndex = -1;
-    VEXPERS_TRY(kstd_stringConst_construct(&info->name));
-    const kstd_result result = kstd_persistentType_construct(&info->type);
-    if (vexpers::failed(result)) kstd_stringConst_destruct(&info->name);
-    return result;
+    *info = vexpers::types::emptyInfo;
+    return 0;
 }
 
 VEXPERS_EXPORT kstd_result kstd_persistentPropertyInfo_assign(kstd_persistentPropertyInfo* info,

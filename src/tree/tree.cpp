@@ -3,6 +3,7 @@
 #include "frame/lifecycle.hpp"
 #include "tree/tree_internal.hpp"
 #include "tree/tree_registry.hpp"
+#include "types/empty_records.hpp"
 
 namespace vexpers::tree {
 
@@ -13,23 +14,10 @@ kstd_result allocNode(Tree* tree, Node** node) {
     if (nodes.maxBlocks >= 0 && nodes.liveCount >= nodes.maxBlocks) return kstd_persistentResult_tooManyNodes;
     void* block = nullptr;
     VEXPERS_TRY(kblk_alloc(&tree->nodeAllocator, &block));
-    kstd_blockRef ref{&tree->nodeAllocator, block};
-    auto undo = makeGuard([&] { kstd_block_register(&ref); });
+    // A fresh node's records hold nothing: they are the constant empty ones,
+    // so constructing the node cannot fail once it has its block.
     auto* fresh = static_cast<Node*>(block);
-    fresh->flags = 0;
-    fresh->objectId = -1;
-    fresh->numItems = 0;
-    fresh->firstChild = nullptr;
-    fresh->lastChild = nullptr;
-    fresh->nextSibling = nullptr;
-    fresh->owner = tree;
-    VEXPERS_TRY(kstd_persistentPropertyInfo_construct(&fresh->info));
-    const kstd_result result = kstd_persistentProperty_construct(&fresh->leafProperty);
-    if (result < 0) {
-        kstd_persistentPropertyInfo_destruct(&fresh->info);
-        return result;
-    }
-    undo.dismiss();
+    *fresh = Node{0, types::emptyInfo, types::emptyProperty, -1, 0, nullptr, nullptr, nullptr, tree};
     *node = fresh;
     return 0;
 }

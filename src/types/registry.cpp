@@ -61,6 +61,21 @@ void freeArray(PointerArray<T>& array) {
 
 // ---- Registry state -------------------------------------------------------------------
 
+// A look-up the registry answered for a text at some address. Callers mostly
+// pass the same static strings again and again, so the text at that address
+// is compared with the answer's (the address may hold other text by now)
+// instead of being interned and looked up once more.
+struct RecentType {
+    const char16_t* text;
+    uint32_t derivation;
+    const kstd_persistentType* handle;  // in the type table; forgotten before it leaves
+};
+struct RecentName {
+    const char16_t* text;
+    kstd_stringConst interned;  // a share of the name table's string
+};
+constexpr size_t recentSlots = 64;
+
 struct RegistryState {
     ksys_criticalSection lock;
     kstd_stringConstTable names;
@@ -73,6 +88,8 @@ struct RegistryState {
     PointerArray<kstd_persistentPropertyInfoEntryVector*> entryVectors;
     // The callers' handles that registrations filled in, in order.
     PointerArray<kstd_persistentType*> outputHandles;
+    RecentType recentTypes[recentSlots];
+    RecentName recentNames[recentSlots];
 };
 
 RegistryState state;
@@ -167,10 +184,52 @@ kstd_result findType(const RegistryKey& key, const kstd_persistentType** handle)
     return 0;
 }
 
+// ---- Recent look-ups (under the lock) ------------------------------------------------------
+
+size_t recentSlot(const char16_t* text, uint32_t derivation) {
+    const uintptr_t address = reinterpret_cast<uintptr_t>(text);
+    return ((address >> 1) ^ (address >> 9) ^ derivation * 7u) % recentSlots;
+}
+
+// Whether `text` (terminated) is the `length` units at `chars`.
+bool isText(const char16_t* text, const char16_t* chars, int32_t length) {
+    return chars != nullptr && ksys_wcsncmp(text, chars, length) == 0 && text[length] == 0;
+}
+
+const kstd_persistentType* recentType(const char16_t* text, uint32_t derivation) {
+    if (text == nullptr) return nullptr;
+    const RecentType& slot = state.recentTypes[recentSlot(text, derivation)];
+    if (slot.text != text || slot.derivation != derivation || slot.handle == nullptr) return nullptr;
+    const Record* record = nullptr;
+    if (failed(resolveRecord(slot.handle, false, &record))) return nullptr;
+    return isText(text, record->name.chars, record->name.length) ? slot.handle : nullptr;
+}
+
+void rememberType(const char16_t* text, uint32_t derivation, const kstd_persistentType* handle) {
+    if (text != nullptr) state.recentTypes[recentSlot(text, derivation)] = RecentType{text, derivation, handle};
+}
+
+// Before a handle leaves the type table, and at shut-down.
+kstd_result forgetRecent() {
+    kstd_result first = 0;
+    for (RecentType& slot : state.recentTypes) slot = RecentType{};
+    for (RecentName& slot : state.recentNames) {
+        slot.text = nullptr;
+        const kstd_result result = kstd_stringConst_reset(&slot.interned);
+        if (!failed(first) && failed(result)) first = result;
+    }
+    return first;
+}
+
 // Interns under the lock, which the caller holds (or does not need during
 // the core stage).
 kstd_result internLocked(const char16_t* text, kstd_stringConst* interned) {
-    return kstd_stringConstTable_addString(&state.names, text, interned, nullptr, nullptr);
+    RecentName* slot = text != nullptr && text[0] != 0 ? &state.recentNames[recentSlot(text, 0)] : nullptr;
+    if (slot != nullptr && slot->text == text && isText(text, slot->interned.chars, slot->interned.length))
+        return kstd_stringConst_assign(interned, &slot->interned);
+    VEXPERS_TRY(kstd_stringConstTable_addString(&state.names, text, interned, nullptr, nullptr));
+    if (slot != nullptr && !failed(kstd_stringConst_assign(&slot->interned, interned))) slot->text = text;
+    return 0;
 }
 
 // Makes a registered record for (name, derivation) filled by `fill` and puts
@@ -262,7 +321,8 @@ kstd_result keepFirstFailure(kstd_result first, kstd_result next) { return faile
 kstd_result shutDownRegistry(void*) {
     uint32_t held = 0;
     VEXPERS_TRY(ksys_criticalSection_wait(&state.lock, &held));
-    kstd_result result = kstd_stringConstTable_destruct(&state.names);
+    kstd_result result = forgetRecent();
+    result = keepFirstFailure(result, kstd_stringConstTable_destruct(&state.names));
     result = keepFirstFailure(result, kstd_hashtable_destruct(&state.types));
     for (int64_t i = state.entryVectors.count - 1; i >= 0; --i)
         result = keepFirstFailure(result, deletePropertyInfoEntries(&state.entryVectors.items[i]));
@@ -396,6 +456,7 @@ kstd_result registerType(const Registration& r) {
     auto undo = makeGuard([&] {
         for (uint32_t derivation = 0; derivation < derivationsPut; ++derivation) {
             LocalKey key(derivation);
+            forgetRecent();
             if (!failed(kstd_stringConst_assign(&key.get().name, &name)))
                 runtime::removeFromHashtable(&state.types, &key.get());
         }
@@ -558,11 +619,15 @@ VEXPERS_EXPORT kstd_result kstd_persistentTypeGetType(const char16_t* name, uint
     VEXPERS_TRY(ensureRegistryInitialized());
     RegistryLock lock;
     VEXPERS_TRY(lock.take());
+    if (const kstd_persistentType* recent = recentType(name, derivation)) return kstd_persistentType_assign(type, recent);
     LocalKey key(derivation);
     VEXPERS_TRY(internLocked(name, &key.get().name));
     const kstd_persistentType* found = nullptr;
     VEXPERS_TRY(findType(key.get(), &found));
-    if (found != nullptr) return kstd_persistentType_assign(type, found);
+    if (found != nullptr) {
+        rememberType(name, derivation, found);
+        return kstd_persistentType_assign(type, found);
+    }
     if (mustExist != 0) return kstd_persistentResult_typeNotRegistered;
     if (isEmptyText(name)) return kstd_persistentResult_invalidTypeName;
     // A record for a name nobody registered: it carries name and derivation

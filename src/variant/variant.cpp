@@ -4,6 +4,7 @@
 
 #include "frame/lifecycle.hpp"
 #include "variant/core_accessors.hpp"
+#include "types/empty_records.hpp"
 #include "variant/variant_internal.hpp"
 
 namespace vexpers::variant {
@@ -130,17 +131,7 @@ using vexpers::makeGuard;
 
 VEXPERS_EXPORT kstd_result kstd_persistentVariant_construct(kstd_persistentVariant* variant) {
     VEXPERS_REQUIRE(variant != nullptr);
-    variant->isBorrowed = 0;
-    variant->value.uint64 = 0;
-    variant->arrayCount = 0;
-    variant->containerVtable = nullptr;
-    VEXPERS_TRY(kstd_persistentType_construct(&variant->type));
-    auto type = makeGuard([&] { kstd_persistentType_destruct(&variant->type); });
-    VEXPERS_TRY(kstd_unicodeStringConst_construct(&variant->stringValue));
-    auto string = makeGuard([&] { kstd_unicodeStringConst_destruct(&variant->stringValue); });
-    VEXPERS_TRY(kstd_ptrh_constructEmpty(&variant->sharedObject));
-    type.dismiss();
-    string.dismiss();
+    *variant = vexpers::types::emptyVariant;
     return 0;
 }
 
