@@ -155,6 +155,10 @@ private:
         // Both texts are in the arena now, which no longer moves for this section.
         h.name = textOf(name);
         h.typeName = textOf(type);
+        // Table entries never change once given.
+        h.textsKeyed = true;
+        h.nameKey = name;
+        h.typeKey = type;
         KFMT_TRY(byte(&h.derivation));
         uint64_t value = 0;
         KFMT_TRY(number(&value));

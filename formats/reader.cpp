@@ -55,6 +55,28 @@ uint32_t mix(uint32_t hash, const Text& text) {
 
 kstd_result SectionReader::describedSection(const Header& header, kstd_persistentPropertyNodeSection** section) {
     *section = nullptr;
+    KeyedSection* keyed = nullptr;
+    if (header.textsKeyed) {
+        const uint64_t key = static_cast<uint64_t>(header.nameKey) * 31u + static_cast<uint64_t>(header.typeKey) * 7u +
+                             header.derivation * 3u + header.dataAccess;
+        keyed = &keyedCache_[(key ^ (key >> 6)) % keyedSlots];
+        if (keyed->slot != nullptr && keyed->generation == keyed->slot->generation &&
+            keyed->nameKey == header.nameKey && keyed->typeKey == header.typeKey &&
+            keyed->derivation == header.derivation && keyed->dataAccess == header.dataAccess) {
+            *section = keyed->slot->section.get();
+            return 0;
+        }
+    }
+    CachedSection* slot = nullptr;
+    KFMT_TRY(describedSlot(header, &slot));
+    if (keyed != nullptr)
+        *keyed = KeyedSection{header.nameKey, header.typeKey, header.derivation, header.dataAccess, slot, slot->generation};
+    *section = slot->section.get();
+    return 0;
+}
+
+kstd_result SectionReader::describedSlot(const Header& header, CachedSection** found) {
+    *found = nullptr;
     uint32_t hash = mix(mix(2166136261u, header.name), header.typeName);
     hash = (hash ^ (header.derivation * 31u + header.dataAccess)) * 16777619u;
     CachedSection& slot = sectionCache_[(hash ^ (hash >> 15)) % sectionSlots];
@@ -69,15 +91,16 @@ kstd_result SectionReader::describedSection(const Header& header, kstd_persisten
             derivation == header.derivation &&
             sameText(typeName, static_cast<int32_t>(std::char_traits<char16_t>::length(typeName)),
                      header.typeName.chars, header.typeName.length)) {
-            *section = slot.section.get();
+            *found = &slot;
             return 0;
         }
     }
     slot.used = false;
+    ++slot.generation;
     KFMT_TRY(kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(
         info, header.name.chars, header.typeName.chars, header.derivation, header.dataAccess));
     slot.used = true;
-    *section = slot.section.get();
+    *found = &slot;
     return 0;
 }
 

@@ -21,6 +21,12 @@ struct Header {
     Text typeName;
     uint32_t derivation = 0;
     uint32_t dataAccess = 2;
+    // Set by a decoder whose texts are entries of a table that does not
+    // change during the read: the entries of name and type name (-1 for the
+    // null text). Equal keys then mean equal texts.
+    bool textsKeyed = false;
+    int64_t nameKey = -1;
+    int64_t typeKey = -1;
 };
 
 class SectionReader {
@@ -82,6 +88,8 @@ private:
     // back for the next node of the same descriptor keeps its descriptor
     // instead of copying it in again.
     kstd_result describedSection(const Header& header, kstd_persistentPropertyNodeSection** section);
+    struct CachedSection;
+    kstd_result describedSlot(const Header& header, CachedSection** slot);
     kstd_result noteIds(int64_t offset);
     kstd_result progress();
 
@@ -92,9 +100,21 @@ private:
     struct CachedSection {
         Section section;
         bool used = false;
+        uint64_t generation = 0;  // counts the descriptors the slot has held
     };
     static constexpr size_t sectionSlots = 128;
     CachedSection sectionCache_[sectionSlots];
+    // Sections found by a header's text keys, without looking at the texts.
+    struct KeyedSection {
+        int64_t nameKey = -1;
+        int64_t typeKey = -1;
+        uint32_t derivation = 0;
+        uint32_t dataAccess = 0;
+        CachedSection* slot = nullptr;
+        uint64_t generation = 0;  // the slot's when it was found
+    };
+    static constexpr size_t keyedSlots = 64;
+    KeyedSection keyedCache_[keyedSlots];
     kstd_persistentPropertyNodeSection* section_ = nullptr;   // the section being described
     const kstd_persistentPropertyInfo* described_ = nullptr;  // its descriptor
     Variant value_;

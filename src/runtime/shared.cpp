@@ -10,20 +10,39 @@ int32_t* countOf(const kstd_shared* shared) { return const_cast<int32_t*>(&share
 
 kstd_shared* mutableShared(const kstd_shared* shared) { return const_cast<kstd_shared*>(shared); }
 
+// The default reference operations, here in full so that the shared
+// pointers' own changes need no call for them.
+inline kstd_result incrementDefault(kstd_shared* shared) {
+    __atomic_fetch_add(countOf(shared), 1, __ATOMIC_RELAXED);
+    return 0;
+}
+
+inline kstd_result decrementDefault(kstd_shared* shared) {
+    // Release our writes to the object; the thread that drops the last
+    // reference acquires everyone's before it destroys.
+    const int32_t before = __atomic_fetch_sub(countOf(shared), 1, __ATOMIC_ACQ_REL);
+    if (before <= 0) {
+        // More releases than references: undo and report the misuse.
+        __atomic_fetch_add(countOf(shared), 1, __ATOMIC_RELAXED);
+        VEXPERS_REQUIRE(before > 0);
+    }
+    return before == 1 ? shared->custom->destroy(shared) : 0;
+}
+
 // Reference changes go through the object's own operations, falling back to
 // the default atomic ones when a slot is empty.
 kstd_result addReference(const kstd_shared* shared) {
     if (shared == nullptr) return 0;
     kstd_shared* object = mutableShared(shared);
     const auto increment = object->custom->increment;
-    return increment != nullptr ? increment(object) : kstd_shared_increment_default(object);
+    return increment != nullptr ? increment(object) : incrementDefault(object);
 }
 
 kstd_result dropReference(const kstd_shared* shared) {
     if (shared == nullptr) return 0;
     kstd_shared* object = mutableShared(shared);
     const auto decrement = object->custom->decrement;
-    return decrement != nullptr ? decrement(object) : kstd_shared_decrement_default(object);
+    return decrement != nullptr ? decrement(object) : decrementDefault(object);
 }
 
 // Makes `pointer` hold `shared`: the new reference is taken before the old one
@@ -89,21 +108,12 @@ VEXPERS_EXPORT kstd_result kstd_shared_queryInterfaceByTypename(kstd_shared* sha
 
 VEXPERS_EXPORT kstd_result kstd_shared_increment_default(kstd_shared* shared) {
     VEXPERS_REQUIRE(shared != nullptr);
-    __atomic_fetch_add(countOf(shared), 1, __ATOMIC_RELAXED);
-    return 0;
+    return incrementDefault(shared);
 }
 
 VEXPERS_EXPORT kstd_result kstd_shared_decrement_default(kstd_shared* shared) {
     VEXPERS_REQUIRE(shared != nullptr);
-    // Release our writes to the object; the thread that drops the last
-    // reference acquires everyone's before it destroys.
-    const int32_t before = __atomic_fetch_sub(countOf(shared), 1, __ATOMIC_ACQ_REL);
-    if (before <= 0) {
-        // More releases than references: undo and report the misuse.
-        __atomic_fetch_add(countOf(shared), 1, __ATOMIC_RELAXED);
-        VEXPERS_REQUIRE(before > 0);
-    }
-    return before == 1 ? shared->custom->destroy(shared) : 0;
+    return decrementDefault(shared);
 }
 
 VEXPERS_EXPORT kstd_result kstd_shared_getReferenceCount(const kstd_shared* shared, int32_t* count) {

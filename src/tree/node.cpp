@@ -101,23 +101,24 @@ const kstd_persistentProperty* leafPropertyOf(const Node* node) {
     return allSet(node->flags, flag::leaf | flag::hasValue) ? &node->leafProperty : nullptr;
 }
 
-// The registered type that `info` names: its own record when that is a
-// registered one, else the registry's record of the same name and derivation.
-// *registered is false when there is none.
-kstd_result lookUpType(const kstd_persistentPropertyInfo* info, kstd_persistentType* type, bool* registered) {
-    *registered = false;
+// The registered type that `info` names: its own when that is a registered
+// one, else the registry's of the same name and derivation, looked up into
+// `scratch`. *registered is null when there is none.
+kstd_result lookUpType(const kstd_persistentPropertyInfo* info, kstd_persistentType* scratch,
+                       const kstd_persistentType** registered) {
+    *registered = nullptr;
     uint32_t isKnown = 0;
     if (kstd_persistentType_getIsKnown(&info->type, &isKnown) < 0) return 0;  // an empty type names nothing
     if (isKnown != 0) {
-        *registered = true;
-        return kstd_persistentType_assign(type, &info->type);
+        *registered = &info->type;
+        return 0;
     }
     const char16_t* name = nullptr;
     uint32_t derivation = 0;
     VEXPERS_TRY(kstd_persistentType_getTypeName(&info->type, &name));
     VEXPERS_TRY(kstd_persistentType_getTypeDerivation(&info->type, &derivation));
     if (isEmptyName(name)) return 0;
-    *registered = kstd_persistentTypeGetType(name, derivation, 1, type) >= 0;
+    if (kstd_persistentTypeGetType(name, derivation, 1, scratch) >= 0) *registered = scratch;
     return 0;
 }
 
@@ -580,14 +581,14 @@ VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getCoreTypeOrEnumVariant(
     kstd_persistentType type;
     VEXPERS_TRY(kstd_persistentType_construct(&type));
     VEXPERS_DEFER { kstd_persistentType_destruct(&type); };
-    bool registered = false;
+    const kstd_persistentType* registered = nullptr;
     VEXPERS_TRY(lookUpType(&node->info, &type, &registered));
-    if (registered) {
+    if (registered != nullptr) {
         uint32_t isCoreOrEnum = 0;
-        VEXPERS_TRY(kstd_persistentType_getIsCoreTypeOrEnum(&type, &isCoreOrEnum));
+        VEXPERS_TRY(kstd_persistentType_getIsCoreTypeOrEnum(registered, &isCoreOrEnum));
         if (isCoreOrEnum == 0) return none(kstd_persistentResult_typeMismatch);
         int32_t coreTypeId = -2;
-        VEXPERS_TRY(kstd_persistentType_getCoreTypeId(&type, &coreTypeId));
+        VEXPERS_TRY(kstd_persistentType_getCoreTypeId(registered, &coreTypeId));
         if (coreTypeId >= 0 || (node->flags & flag::leaf) != 0) {
             *variant = &node->leafProperty.value;
             return 0;
@@ -597,12 +598,12 @@ VEXPERS_EXPORT kstd_result kstd_persistentPropertyNode_getCoreTypeOrEnumVariant(
     const Node* child = nullptr;
     VEXPERS_TRY(matchingChild(node, u"value", 0, &child));
     if (child == nullptr)
-        return none(registered ? kstd_persistentResult_typeMismatch : kstd_persistentResult_typeNotRegistered);
-    bool childRegistered = false;
+        return none(registered != nullptr ? kstd_persistentResult_typeMismatch : kstd_persistentResult_typeNotRegistered);
+    const kstd_persistentType* childRegistered = nullptr;
     VEXPERS_TRY(lookUpType(&child->info, &type, &childRegistered));
-    if (!childRegistered) return none(kstd_persistentResult_typeNotRegistered);
+    if (childRegistered == nullptr) return none(kstd_persistentResult_typeNotRegistered);
     uint32_t isCoreOrEnum = 0;
-    VEXPERS_TRY(kstd_persistentType_getIsCoreTypeOrEnum(&type, &isCoreOrEnum));
+    VEXPERS_TRY(kstd_persistentType_getIsCoreTypeOrEnum(childRegistered, &isCoreOrEnum));
     if (isCoreOrEnum == 0) return none(kstd_persistentResult_typeMismatch);
     *variant = &child->leafProperty.value;
     return 0;
