@@ -12,33 +12,36 @@ kstd_shared* mutableShared(const kstd_shared* shared) { return const_cast<kstd_s
 
 // The default reference operations, here in full so that the shared
 // pointers' own changes need no call for them.
-inline kstd_result incrementDefault(kstd_shared* shared) {
+[[gnu::always_inline]] inline kstd_result incrementDefault(kstd_shared* shared) {
     __atomic_fetch_add(countOf(shared), 1, __ATOMIC_RELAXED);
     return 0;
 }
 
-inline kstd_result decrementDefault(kstd_shared* shared) {
+// More releases than references: undo the last and report the misuse.
+[[gnu::cold, gnu::noinline]] kstd_result overReleased(kstd_shared* shared) {
+    __atomic_fetch_add(countOf(shared), 1, __ATOMIC_RELAXED);
+    ksys_assert_at(__FILE__, __LINE__);
+    return ksys_result_preconditionFailed;
+}
+
+[[gnu::always_inline]] inline kstd_result decrementDefault(kstd_shared* shared) {
     // Release our writes to the object; the thread that drops the last
     // reference acquires everyone's before it destroys.
     const int32_t before = __atomic_fetch_sub(countOf(shared), 1, __ATOMIC_ACQ_REL);
-    if (before <= 0) {
-        // More releases than references: undo and report the misuse.
-        __atomic_fetch_add(countOf(shared), 1, __ATOMIC_RELAXED);
-        VEXPERS_REQUIRE(before > 0);
-    }
+    if (__builtin_expect(before <= 0, 0)) return overReleased(shared);
     return before == 1 ? shared->custom->destroy(shared) : 0;
 }
 
 // Reference changes go through the object's own operations, falling back to
 // the default atomic ones when a slot is empty.
-kstd_result addReference(const kstd_shared* shared) {
+[[gnu::always_inline]] inline kstd_result addReference(const kstd_shared* shared) {
     if (shared == nullptr) return 0;
     kstd_shared* object = mutableShared(shared);
     const auto increment = object->custom->increment;
     return increment != nullptr ? increment(object) : incrementDefault(object);
 }
 
-kstd_result dropReference(const kstd_shared* shared) {
+[[gnu::always_inline]] inline kstd_result dropReference(const kstd_shared* shared) {
     if (shared == nullptr) return 0;
     kstd_shared* object = mutableShared(shared);
     const auto decrement = object->custom->decrement;
@@ -48,7 +51,7 @@ kstd_result dropReference(const kstd_shared* shared) {
 // Makes `pointer` hold `shared`: the new reference is taken before the old one
 // is dropped, so holding what is already held (or a part of it) is safe.
 template <class P>
-kstd_result hold(P* pointer, const kstd_shared* shared) {
+[[gnu::always_inline]] inline kstd_result hold(P* pointer, const kstd_shared* shared) {
     if (pointer->shared == shared) return 0;
     VEXPERS_TRY(addReference(shared));
     const kstd_shared* old = pointer->shared;
