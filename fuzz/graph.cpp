@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "client_object.hpp"
 #include "demo_model.hpp"
 #include "fuzz_support.hpp"
 
@@ -19,10 +20,7 @@ namespace demo = vexpers::demo;
 
 namespace {
 
-template <class T>
-T* objectOf(const kstd_ptrh& pointer) {
-    return pointer.shared != nullptr ? static_cast<T*>(pointer.shared->whole) : nullptr;
-}
+using vexpers::client::objectOf;
 
 struct Pointer {
     kstd_ptrh p;

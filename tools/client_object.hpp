@@ -95,6 +95,14 @@ struct ObjectOperations {
         *object = memory;
         return 0;
     }
+    // A new object, which `pointer` then holds; *object points at it.
+    static kstd_result make(kstd_ptrh* pointer, T** object) {
+        void* memory = nullptr;
+        const kstd_result made = newObject(&memory);
+        if (made < 0) return made;
+        *object = static_cast<T*>(memory);
+        return kstd_ptrh_assignShared(pointer, &(*object)->header);
+    }
     static kstd_result query(void* object, const char16_t* name, void** result) {
         *result = nullptr;
         if (std::char_traits<char16_t>::compare(name, u"kstd_shared", 12) == 0)
@@ -109,5 +117,11 @@ struct ObjectOperations {
                                                          notOffered, newObject,   notOfferedClone, deleteObject};
     static constexpr kstd_typeDescriptorMinimalVtable minimal{query, typeName};
 };
+
+// The object a shared pointer holds, or null.
+template <class T>
+T* objectOf(const kstd_ptrh& pointer) {
+    return pointer.shared != nullptr ? static_cast<T*>(pointer.shared->whole) : nullptr;
+}
 
 }  // namespace vexpers::client

@@ -177,17 +177,11 @@ kstd_result registerAll() {
 
 // ---- Building ----------------------------------------------------------------------------
 
-template <class T>
-T* objectOf(const kstd_ptrh& pointer) {
-    return pointer.shared != nullptr ? static_cast<T*>(pointer.shared->whole) : nullptr;
-}
+using vexpers::client::objectOf;
 
 template <class T>
 kstd_result make(kstd_ptrh* pointer, T** object) {
-    void* memory = nullptr;
-    DEMO_TRY(Operations<T>::newObject(&memory));
-    *object = static_cast<T*>(memory);
-    return kstd_ptrh_assignShared(pointer, &(*object)->header);
+    return Operations<T>::make(pointer, object);
 }
 
 struct PointerHolder {
