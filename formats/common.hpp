@@ -179,6 +179,28 @@ kstd_result appendUtf8(Buffer<char>& out, const char16_t* text, size_t length, b
 // ksys_result_invalidText.
 kstd_result decodeUtf8(Buffer<char16_t>& out, const char* text, size_t length, bool allowSurrogates);
 
+// The small caches of descriptors: a key may sit in either of two
+// neighbouring slots, and a new key takes the one used less recently, so
+// that two keys whose hashes meet do not keep evicting each other. Entries
+// have a `lastUse` stamp; *hit says whether `matches` found one.
+template <class Entry, size_t N, class Matches>
+Entry& cacheSlot(Entry (&entries)[N], uint64_t hash, uint64_t& clock, Matches matches, bool* hit) {
+    static_assert(N >= 2 && (N & (N - 1)) == 0, "a power of two");
+    const size_t first = static_cast<size_t>((hash * 0x9E3779B97F4A7C15ull) >> 40) & (N - 1);
+    Entry* const pair[2] = {&entries[first], &entries[first ^ 1]};
+    for (Entry* entry : pair) {
+        if (matches(*entry)) {
+            entry->lastUse = ++clock;
+            *hit = true;
+            return *entry;
+        }
+    }
+    Entry& older = pair[0]->lastUse <= pair[1]->lastUse ? *pair[0] : *pair[1];
+    older.lastUse = ++clock;
+    *hit = false;
+    return older;
+}
+
 // The text of a name or type name, null for the null string.
 struct Text {
     const char16_t* chars = nullptr;

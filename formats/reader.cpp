@@ -57,12 +57,14 @@ kstd_result SectionReader::describedSection(const Header& header, kstd_persisten
     *section = nullptr;
     KeyedSection* keyed = nullptr;
     if (header.textsKeyed) {
-        const uint64_t key = static_cast<uint64_t>(header.nameKey) * 31u + static_cast<uint64_t>(header.typeKey) * 7u +
-                             header.derivation * 3u + header.dataAccess;
-        keyed = &keyedCache_[(key ^ (key >> 6)) % keyedSlots];
-        if (keyed->slot != nullptr && keyed->generation == keyed->slot->generation &&
-            keyed->nameKey == header.nameKey && keyed->typeKey == header.typeKey &&
-            keyed->derivation == header.derivation && keyed->dataAccess == header.dataAccess) {
+        const uint64_t key = static_cast<uint64_t>(header.nameKey) * 0x10001u + static_cast<uint64_t>(header.typeKey) * 31u +
+                             header.derivation * 7u + header.dataAccess;
+        bool hit = false;
+        keyed = &cacheSlot(keyedCache_, key, cacheClock_, [&header](const KeyedSection& k) {
+            return k.slot != nullptr && k.generation == k.slot->generation && k.nameKey == header.nameKey &&
+                   k.typeKey == header.typeKey && k.derivation == header.derivation && k.dataAccess == header.dataAccess;
+        }, &hit);
+        if (hit) {
             *section = keyed->slot->section.get();
             return 0;
         }
@@ -79,22 +81,23 @@ kstd_result SectionReader::describedSlot(const Header& header, CachedSection** f
     *found = nullptr;
     uint32_t hash = mix(mix(2166136261u, header.name), header.typeName);
     hash = (hash ^ (header.derivation * 31u + header.dataAccess)) * 16777619u;
-    CachedSection& slot = sectionCache_[(hash ^ (hash >> 15)) % sectionSlots];
-    kstd_persistentPropertyInfo* info = &slot.section->info;
-    if (slot.used) {
+    bool hit = false;
+    CachedSection& slot = cacheSlot(sectionCache_, hash, cacheClock_, [&header](CachedSection& s) {
+        const kstd_persistentPropertyInfo* info = &s.section->info;
         const char16_t* typeName = nullptr;
         uint32_t derivation = 0;
-        if (info->dataAccess == header.dataAccess &&
-            sameText(info->name.chars, info->name.length, header.name.chars, header.name.length) &&
-            kstd_persistentType_getTypeName(&info->type, &typeName) >= 0 && typeName != nullptr &&
-            kstd_persistentType_getTypeDerivation(&info->type, &derivation) >= 0 &&
-            derivation == header.derivation &&
-            sameText(typeName, static_cast<int32_t>(std::char_traits<char16_t>::length(typeName)),
-                     header.typeName.chars, header.typeName.length)) {
-            *found = &slot;
-            return 0;
-        }
-    }
+        return s.used && info->dataAccess == header.dataAccess &&
+               sameText(info->name.chars, info->name.length, header.name.chars, header.name.length) &&
+               kstd_persistentType_getTypeName(&info->type, &typeName) >= 0 && typeName != nullptr &&
+               kstd_persistentType_getTypeDerivation(&info->type, &derivation) >= 0 &&
+               derivation == header.derivation &&
+               sameText(typeName, static_cast<int32_t>(std::char_traits<char16_t>::length(typeName)),
+                        header.typeName.chars, header.typeName.length);
+    }, &hit);
+    *found = &slot;
+    if (hit) return 0;
+    *found = nullptr;
+    kstd_persistentPropertyInfo* info = &slot.section->info;
     slot.used = false;
     ++slot.generation;
     KFMT_TRY(kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(

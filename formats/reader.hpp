@@ -101,9 +101,9 @@ private:
         Section section;
         bool used = false;
         uint64_t generation = 0;  // counts the descriptors the slot has held
+        uint64_t lastUse = 0;
     };
-    static constexpr size_t sectionSlots = 128;
-    CachedSection sectionCache_[sectionSlots];
+    CachedSection sectionCache_[128];
     // Sections found by a header's text keys, without looking at the texts.
     struct KeyedSection {
         int64_t nameKey = -1;
@@ -112,9 +112,10 @@ private:
         uint32_t dataAccess = 0;
         CachedSection* slot = nullptr;
         uint64_t generation = 0;  // the slot's when it was found
+        uint64_t lastUse = 0;
     };
-    static constexpr size_t keyedSlots = 64;
-    KeyedSection keyedCache_[keyedSlots];
+    KeyedSection keyedCache_[64];
+    uint64_t cacheClock_ = 0;
     kstd_persistentPropertyNodeSection* section_ = nullptr;   // the section being described
     const kstd_persistentPropertyInfo* described_ = nullptr;  // its descriptor
     Variant value_;

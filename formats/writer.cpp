@@ -19,6 +19,7 @@ struct KnownInfo {
     Text typeText;
     uint32_t derivation = 0;
     uint64_t descriptor = 0;  // 0: the slot is empty
+    uint64_t lastUse = 0;
 };
 
 bool sameName(const kstd_stringConst& a, const kstd_stringConst& b) {
@@ -43,9 +44,9 @@ struct Walk {
     // Where the walk failed, and what failed, for the report.
     int64_t failedAt = -1;
     const char* failedStep = nullptr;
-    static constexpr size_t knownSlots = 64;
-    KnownInfo known[knownSlots];
+    KnownInfo known[64];
     uint64_t descriptors = 0;  // descriptors named so far
+    uint64_t knownClock = 0;
 };
 
 kstd_result textOf(const char16_t* chars, Text* text) {
@@ -57,11 +58,14 @@ kstd_result textOf(const char16_t* chars, Text* text) {
 // The walk's record of the node's descriptor, made on first sight.
 kstd_result knownInfo(Walk& walk, const kstd_persistentPropertyInfo* info, const KnownInfo** known) {
     *known = nullptr;
-    const uintptr_t key = reinterpret_cast<uintptr_t>(info->name.holder.shared) ^
-                          reinterpret_cast<uintptr_t>(info->type.record.shared) * 31u ^ info->dataAccess;
-    KnownInfo& slot = walk.known[(key ^ (key >> 7) ^ (key >> 13)) % Walk::knownSlots];
-    if (slot.descriptor != 0 && slot.dataAccess == info->dataAccess &&
-        slot.type->record.shared == info->type.record.shared && sameName(*slot.name.get(), info->name)) {
+    const uint64_t key = reinterpret_cast<uintptr_t>(info->name.holder.shared) * 31u ^
+                         reinterpret_cast<uintptr_t>(info->type.record.shared) ^ info->dataAccess;
+    bool hit = false;
+    KnownInfo& slot = cacheSlot(walk.known, key, walk.knownClock, [info](const KnownInfo& k) {
+        return k.descriptor != 0 && k.dataAccess == info->dataAccess &&
+               k.type->record.shared == info->type.record.shared && sameName(*k.name.get(), info->name);
+    }, &hit);
+    if (hit) {
         *known = &slot;
         return 0;
     }
