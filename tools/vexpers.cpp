@@ -2,7 +2,7 @@
 //
 //   vexpers demo [--objects N] [--format json|binary] [--out FILE]
 //   vexpers dump FILE
-//   vexpers convert IN OUT [--from json|binary] [--to json|binary]
+//   vexpers convert IN OUT [--from json|binary] [--to json|binary] [--compact]
 //   vexpers check FILE
 //
 // Exit codes: 0 ok, 1 a data error (the file or the round trip), 2 a usage
@@ -65,11 +65,12 @@ const char* const dumpHelp =
     "Needs none of the types that wrote the file.\n";
 
 const char* const convertHelp =
-    "usage: vexpers convert IN OUT [--from json|binary] [--to json|binary]\n"
+    "usage: vexpers convert IN OUT [--from json|binary] [--to json|binary] [--compact]\n"
     "\n"
     "Reads the tree stored in IN and writes it to OUT. IN's format is told by\n"
     "its first bytes unless --from gives it; OUT's by its extension (.json,\n"
-    ".vxb, .bin) unless --to gives it.\n";
+    ".vxb, .bin) unless --to gives it. --compact writes JSON on one line\n"
+    "instead of a node a line.\n";
 
 const char* const checkHelp =
     "usage: vexpers check FILE\n"
@@ -390,6 +391,8 @@ int convert(int argc, char** argv) {
     std::vector<const char*> paths;
     uint32_t from = kfmt_format_detect;
     uint32_t to = 0;
+    kfmt_options options;
+    kfmt_options_setDefaults(&options);
     for (int i = 0; i < argc; ++i) {
         const char* a = argv[i];
         if (isHelp(a)) {
@@ -400,6 +403,8 @@ int convert(int argc, char** argv) {
             if (i + 1 >= argc || !parseFormat(argv[i + 1], a[2] == 'f' ? &from : &to))
                 return usage("convert", "--from and --to take json or binary");
             ++i;
+        } else if (std::strcmp(a, "--compact") == 0) {
+            options.flags |= kfmt_flag_compact;
         } else if (a[0] == '-' && a[1] != 0) {
             return usage("convert", (std::string("unknown argument: ") + a).c_str());
         } else {
@@ -414,7 +419,7 @@ int convert(int argc, char** argv) {
     kfmt_statistics in{}, written{};
     if (kfmt_readTreeFile(&tree.t, from, paths[0], nullptr, &in, &report) < 0)
         return reportFailure("convert", paths[0], report);
-    if (kfmt_writeTreeFile(&tree.t, to, paths[1], nullptr, &written, &report) < 0)
+    if (kfmt_writeTreeFile(&tree.t, to, paths[1], &options, &written, &report) < 0)
         return reportFailure("convert", paths[1], report);
     std::printf("%s (%" PRId64 " bytes) -> %s (%s, %" PRId64 " bytes): %" PRId64 " nodes\n", paths[0], in.bytes,
                 paths[1], kfmt_formatName(to), written.bytes, written.nodes);

@@ -39,6 +39,11 @@ grep -q 'DemoNode\* #1' "$work/out" || fail "dump lacks the first node's id"
 # convert: binary to JSON and back gives the same bytes.
 expect 0 "$tool" convert "$work/scene.vxb" "$work/scene.json"
 expect 0 "$tool" convert "$work/scene.json" "$work/again.bin"
+# --compact: one line that reads back to the same tree.
+expect 0 "$tool" convert "$work/scene.vxb" "$work/compact.json" --compact
+[ "$(wc -l < "$work/compact.json")" -eq 1 ] || fail "compact JSON is not one line"
+expect 0 "$tool" convert "$work/compact.json" "$work/fromcompact.json"
+cmp -s "$work/scene.json" "$work/fromcompact.json" || fail "compact JSON does not read back to the same tree"
 cmp "$work/scene.vxb" "$work/again.bin" || fail "binary -> json -> binary changed the bytes"
 expect 0 "$tool" convert "$work/scene.json" "$work/out.data" --to binary
 cmp "$work/scene.vxb" "$work/out.data" || fail "--to binary wrote other bytes"
