@@ -14,16 +14,17 @@ namespace {
 // RapidJSON's view of the input. Its end reads as 0, which RapidJSON takes
 // as the end of the text. The iterative parser calls StartObject and
 // EndObject before it takes the brace, so the input's offset is then the
-// brace's own.
+// brace's own. RapidJSON asks for every byte on its own: those come from
+// the input's buffer without a call.
 struct Stream {
     typedef char Ch;
     Input* in;
     Ch Peek() const {
-        const int c = in->peek();
+        const int c = in->peekInline();
         return c < 0 ? '\0' : static_cast<char>(c);
     }
     Ch Take() {
-        const int c = in->take();
+        const int c = in->takeInline();
         return c < 0 ? '\0' : static_cast<char>(c);
     }
     size_t Tell() const { return static_cast<size_t>(in->offset()); }
@@ -31,7 +32,33 @@ struct Stream {
     void Put(Ch) {}
     void Flush() {}
     size_t PutEnd(Ch*) { return 0; }
+
+    // Takes the white space before the next token, a buffer at a time.
+    void skipWhitespace() {
+        for (;;) {
+            size_t count = 0;
+            const char* bytes = in->buffered(&count);
+            size_t taken = 0;
+            while (taken < count && isSpace(bytes[taken])) ++taken;
+            in->skipBuffered(taken);
+            if (taken < count || in->peek() < 0) return;
+        }
+    }
+    static bool isSpace(char c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t'; }
 };
+
+}  // namespace
+}  // namespace vexpers::formats
+
+namespace rapidjson {
+template <>
+inline void SkipWhitespace(vexpers::formats::Stream& is) {
+    is.skipWhitespace();
+}
+}  // namespace rapidjson
+
+namespace vexpers::formats {
+namespace {
 
 enum class NodeKey { name, type, derivation, access, kind, item, deleted, id, count, valueType, value, items, children };
 
