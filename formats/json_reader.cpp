@@ -45,6 +45,42 @@ struct Stream {
         }
     }
     static bool isSpace(char c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t'; }
+
+    // Inside a string whose next character RapidJSON found to be no quote,
+    // backslash or control character: when that character is ASCII, copies
+    // it and the plain ASCII characters after it that the buffer holds to
+    // `out`, as RapidJSON would one by one. False (nothing taken) when it
+    // is no ASCII character.
+    template <typename Out>
+    bool copyPlainRun(Out& out) {
+        size_t count = 0;
+        const char* bytes = in->buffered(&count);
+        if (count == 0 || static_cast<uint8_t>(bytes[0]) >= 0x80) return false;
+        size_t run = 1;
+        while (run < count && isPlain(bytes[run])) ++run;
+        char* to = static_cast<char*>(out.Push(run));
+        for (size_t k = 0; k < run; ++k) to[k] = bytes[k];
+        in->skipBuffered(run);
+        return true;
+    }
+    static bool isPlain(char c) {
+        const uint8_t u = static_cast<uint8_t>(c);
+        return u - 0x20u < 0x60u && u != '"' && u != '\\';
+    }
+};
+
+// UTF-8 in and out: RapidJSON checks every character of a string (and
+// refuses bad UTF-8, surrogates and overlong forms) and copies it; runs of
+// plain ASCII characters are copied at once. Texts are widened to UTF-16
+// only where they are kept.
+struct Utf8 : rapidjson::UTF8<char> {
+    template <typename InputStream, typename OutputStream>
+    static bool Validate(InputStream& is, OutputStream& os) {
+        // (RapidJSON's in-place parsing, not used here, copies into the input.)
+        if constexpr (!std::is_same_v<InputStream, OutputStream>)
+            if (is.copyPlainRun(os)) return true;
+        return rapidjson::UTF8<char>::Validate(is, os);
+    }
 };
 
 }  // namespace
@@ -60,57 +96,104 @@ inline void SkipWhitespace(vexpers::formats::Stream& is) {
 namespace vexpers::formats {
 namespace {
 
-enum class NodeKey { name, type, derivation, access, kind, item, deleted, id, count, valueType, value, items, children };
-
-struct KeyName {
-    const char16_t* text;
-    NodeKey key;
-};
-constexpr KeyName keyNames[] = {
-    {u"name", NodeKey::name},   {u"type", NodeKey::type},           {u"derivation", NodeKey::derivation},
-    {u"access", NodeKey::access}, {u"kind", NodeKey::kind},         {u"item", NodeKey::item},
-    {u"deleted", NodeKey::deleted}, {u"id", NodeKey::id},           {u"count", NodeKey::count},
-    {u"valueType", NodeKey::valueType}, {u"value", NodeKey::value}, {u"items", NodeKey::items},
-    {u"children", NodeKey::children},
-};
-
-struct KindName {
-    const char16_t* text;
-    uint32_t leafKind;
-    uint32_t arrayKind;
-};
-constexpr KindName kindNames[] = {
-    {u"object", 0, 0}, {u"list", 0, 2},       {u"value", 1, 0},     {u"null", 2, 0},
-    {u"ref", 4, 0},    {u"array", 0, 1},      {u"emptyArray", 3, 1}, {u"emptyList", 3, 2},
-};
-
-bool equals(const char16_t* text, size_t length, const char16_t* word) {
-    const size_t wordLength = std::char_traits<char16_t>::length(word);
-    return length == wordLength && std::char_traits<char16_t>::compare(text, word, length) == 0;
+// `text` is the word `word` (a literal).
+template <size_t N>
+bool is(const char* text, size_t length, const char (&word)[N]) {
+    return length == N - 1 && std::memcmp(text, word, N - 1) == 0;
 }
 
-// A JSON scalar as it came.
+enum class NodeKey { name, type, derivation, access, kind, item, deleted, id, count, valueType, value, items, children, unknown };
+
+NodeKey nodeKeyOf(const char* text, size_t length) {
+    if (is(text, length, "name")) return NodeKey::name;
+    if (is(text, length, "type")) return NodeKey::type;
+    if (is(text, length, "kind")) return NodeKey::kind;
+    if (is(text, length, "value")) return NodeKey::value;
+    if (is(text, length, "derivation")) return NodeKey::derivation;
+    if (is(text, length, "id")) return NodeKey::id;
+    if (is(text, length, "count")) return NodeKey::count;
+    if (is(text, length, "items")) return NodeKey::items;
+    if (is(text, length, "children")) return NodeKey::children;
+    if (is(text, length, "valueType")) return NodeKey::valueType;
+    if (is(text, length, "access")) return NodeKey::access;
+    if (is(text, length, "item")) return NodeKey::item;
+    if (is(text, length, "deleted")) return NodeKey::deleted;
+    return NodeKey::unknown;
+}
+
+// The leaf and array kinds a "kind" word stands for; false for no word.
+bool kindOf(const char* text, size_t length, uint32_t* leafKind, uint32_t* arrayKind) {
+    const auto set = [&](uint32_t leaf, uint32_t array) {
+        *leafKind = leaf;
+        *arrayKind = array;
+        return true;
+    };
+    if (is(text, length, "value")) return set(1, 0);
+    if (is(text, length, "object")) return set(0, 0);
+    if (is(text, length, "array")) return set(0, 1);
+    if (is(text, length, "list")) return set(0, 2);
+    if (is(text, length, "null")) return set(2, 0);
+    if (is(text, length, "ref")) return set(4, 0);
+    if (is(text, length, "emptyArray")) return set(3, 1);
+    if (is(text, length, "emptyList")) return set(3, 2);
+    return false;
+}
+
+// A JSON scalar as it came; strings in UTF-8.
 struct Token {
     enum Kind { null, boolean, integer, bigUnsigned, real, string } kind = null;
     bool b = false;
     int64_t i = 0;
     uint64_t u = 0;
     double d = 0;
-    const char16_t* text = nullptr;
+    const char* text = nullptr;
     size_t length = 0;
 };
 
 // A surrogate without its other half. RapidJSON takes the escape of a low
-// surrogate on its own (of U+DD22, say); JSON text holds whole characters
-// only, and the writer could not write such a string back.
-bool hasUnpairedSurrogate(const char16_t* text, size_t length) {
-    for (size_t i = 0; i < length; ++i) {
-        const char16_t unit = text[i];
-        if (unit < 0xD800 || unit > 0xDFFF) continue;
-        if (unit > 0xDBFF || i + 1 == length || text[i + 1] < 0xDC00 || text[i + 1] > 0xDFFF) return true;
-        ++i;
+// surrogate on its own (of U+DD22, say) and writes that code point as its
+// three bytes (ED B4 A2); JSON text holds whole characters only, and the
+// writer could not write such a string back. Anything else RapidJSON lets
+// through holds no surrogate: it refuses them as bytes, and the escape of a
+// high surrogate without the escape of a low one after it.
+bool hasUnpairedSurrogate(const char* text, size_t length) {
+    for (const char* at = text; (at = static_cast<const char*>(std::memchr(at, 0xED, length - (at - text)))) != nullptr;) {
+        if (++at == text + length) return false;
+        if (static_cast<uint8_t>(*at) >= 0xA0) return true;
     }
     return false;
+}
+
+// A string with a 0 character or a surrogate (ED at all).
+bool mayBeUnusual(const char* text, size_t length) {
+    bool unusual = false;
+    for (size_t k = 0; k < length; ++k) unusual |= text[k] == '\0' || static_cast<uint8_t>(text[k]) == 0xED;
+    return unusual;
+}
+
+// The UTF-16 units of UTF-8 text that RapidJSON checked.
+size_t unitsOf(const char* text, size_t length) {
+    size_t units = 0;
+    for (size_t k = 0; k < length; ++k) {
+        const uint8_t byte = static_cast<uint8_t>(text[k]);
+        units += (byte & 0xC0) != 0x80 ? 1 : 0;  // one for each character
+        units += byte >= 0xF0 ? 1 : 0;           // two beyond U+FFFF
+    }
+    return units;
+}
+
+// UTF-8 text that RapidJSON checked (and the handler: no 0 character, no
+// surrogate) as terminated UTF-16 in `out`; ASCII goes unit for unit.
+kstd_result widen(Buffer<char16_t>& out, const char* text, size_t length) {
+    size_t k = 0;
+    while (k < length && static_cast<uint8_t>(text[k]) < 0x80) ++k;
+    if (k < length) return decodeUtf8(out, text, length, false);
+    out.clear();
+    KFMT_TRY(out.resize(length + 1));
+    char16_t* to = out.data();
+    for (k = 0; k < length; ++k) to[k] = static_cast<uint8_t>(text[k]);
+    out.pop();  // the terminator stays in the memory, not in the count
+    return 0;
 }
 
 class Handler {
@@ -148,11 +231,14 @@ public:
         t.d = d;
         return scalar(t);
     }
-    bool RawNumber(const char16_t*, size_t, bool) { return stop(kfmt_result_malformed, "a raw number"); }
-    bool String(const char16_t* text, size_t length, bool) {
-        if (std::char_traits<char16_t>::find(text, length, u'\0') != nullptr)
-            return stop(kfmt_result_malformed, "a string with a 0 character");
-        if (hasUnpairedSurrogate(text, length)) return stop(kfmt_result_malformed, "a string with an unpaired surrogate");
+    bool RawNumber(const char*, size_t, bool) { return stop(kfmt_result_malformed, "a raw number"); }
+    bool String(const char* text, size_t length, bool) {
+        if (mayBeUnusual(text, length)) {
+            if (std::memchr(text, '\0', length) != nullptr)
+                return stop(kfmt_result_malformed, "a string with a 0 character");
+            if (hasUnpairedSurrogate(text, length))
+                return stop(kfmt_result_malformed, "a string with an unpaired surrogate");
+        }
         Token t;
         t.kind = Token::string;
         t.text = text;
@@ -174,19 +260,17 @@ public:
         }
     }
 
-    bool Key(const char16_t* text, size_t length, bool) {
+    bool Key(const char* text, size_t length, bool) {
         if (state_ == State::document) return documentKey(text, length);
         if (state_ != State::node) return stop(kfmt_result_malformed, "a key where none belongs");
-        for (const KeyName& name : keyNames) {
-            if (!equals(text, length, name.text)) continue;
-            const uint32_t bit = 1u << static_cast<unsigned>(name.key);
-            if (seen_ & bit) return stop(kfmt_result_malformed, "a key given twice");
-            seen_ |= bit;
-            key_ = name.key;
-            state_ = State::nodeValue;
-            return true;
-        }
-        return stop(kfmt_result_malformed, "an unknown key");
+        const NodeKey key = nodeKeyOf(text, length);
+        if (key == NodeKey::unknown) return stop(kfmt_result_malformed, "an unknown key");
+        const uint32_t bit = 1u << static_cast<unsigned>(key);
+        if (seen_ & bit) return stop(kfmt_result_malformed, "a key given twice");
+        seen_ |= bit;
+        key_ = key;
+        state_ = State::nodeValue;
+        return true;
     }
 
     bool EndObject(size_t) {
@@ -263,10 +347,11 @@ private:
         return result >= 0;
     }
 
-    bool documentKey(const char16_t* text, size_t length) {
-        static const char16_t* const names[] = {u"format", u"version", u"nodes", u"nodeCount"};
+    bool documentKey(const char* text, size_t length) {
+        const bool known[] = {is(text, length, "format"), is(text, length, "version"), is(text, length, "nodes"),
+                              is(text, length, "nodeCount")};
         for (uint32_t k = 0; k < 4; ++k) {
-            if (!equals(text, length, names[k])) continue;
+            if (!known[k]) continue;
             // In this order, each once.
             if (docSeen_ >> k) return stop(kfmt_result_malformed, "document keys out of order");
             if (k > 0 && !(docSeen_ & (1u << (k - 1))))
@@ -283,7 +368,7 @@ private:
         state_ = State::document;
         switch (docKey_) {
         case 0:
-            if (t.kind != Token::string || !equals(t.text, t.length, json::formatName))
+            if (t.kind != Token::string || !is(t.text, t.length, "vexpers-tree"))
                 return stop(kfmt_result_malformed, "not a \"vexpers-tree\" document");
             return true;
         case 1:
@@ -315,12 +400,13 @@ private:
             return true;
         }
         if (t.kind != Token::string) return stop(kfmt_result_malformed, "a name that is no string");
-        if (t.length > static_cast<size_t>(reader_.limits().maxNameUnits))
+        // The cap counts UTF-16 units, never more than the UTF-8 bytes.
+        const size_t cap = static_cast<size_t>(reader_.limits().maxNameUnits);
+        if (t.length > cap && unitsOf(t.text, t.length) > cap)
             return stop(kstd_persistentResult_nameTooLong, "a name longer than the cap");
-        buffer.clear();
-        if (buffer.append(t.text, t.length) < 0 || buffer.push(0) < 0) return check(ksys_result_outOfMemory);
+        if (widen(buffer, t.text, t.length) < 0) return check(ksys_result_outOfMemory);
         text->chars = buffer.data();
-        text->length = static_cast<int32_t>(t.length);
+        text->length = static_cast<int32_t>(buffer.size());
         return true;
     }
 
@@ -346,14 +432,9 @@ private:
             header_.dataAccess = static_cast<uint32_t>(number);
             return true;
         case NodeKey::kind:
-            if (t.kind == Token::string) {
-                for (const KindName& kind : kindNames) {
-                    if (!equals(t.text, t.length, kind.text)) continue;
-                    header_.kinds.leafKind = kind.leafKind;
-                    header_.kinds.arrayKind = kind.arrayKind;
-                    kindGiven_ = true;
-                    return true;
-                }
+            if (t.kind == Token::string && kindOf(t.text, t.length, &header_.kinds.leafKind, &header_.kinds.arrayKind)) {
+                kindGiven_ = true;
+                return true;
             }
             return stop(kfmt_result_malformed, "an unknown kind");
         case NodeKey::item:
@@ -457,10 +538,20 @@ private:
         case kstd_persistentTypeCategory_string:
             if (t.kind == Token::null) return scalar->isNull = true, true;
             if (t.kind == Token::string) {
-                // The reader needs terminated text; the token's own buffer is
-                // terminated by RapidJSON.
-                scalar->text = t.text;
-                scalar->length = t.length;
+                // A string longer than the cap is refused by the reader by
+                // its length alone; it is not widened first.
+                const size_t cap = static_cast<size_t>(reader_.limits().maxStringUnits);
+                if (t.length > cap) {
+                    const size_t units = unitsOf(t.text, t.length);
+                    if (units > cap) {
+                        scalar->text = u"";
+                        scalar->length = units;
+                        return true;
+                    }
+                }
+                if (widen(text_, t.text, t.length) < 0) return check(ksys_result_outOfMemory);
+                scalar->text = text_.data();
+                scalar->length = text_.size();
                 return true;
             }
             break;
@@ -488,6 +579,7 @@ private:
     Buffer<char16_t> name_;
     Buffer<char16_t> type_;
     Buffer<char16_t> valueType_;
+    Buffer<char16_t> text_;  // a string value or item
 };
 
 }  // namespace
@@ -496,7 +588,7 @@ kstd_result decodeJson(Input& input, SectionReader& reader) {
     constexpr unsigned flags = rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag |
                                rapidjson::kParseFullPrecisionFlag | rapidjson::kParseNanAndInfFlag;
     json::StackAllocator allocator;
-    rapidjson::GenericReader<json::Utf8, json::Utf16, json::StackAllocator> parser(&allocator, 256);
+    rapidjson::GenericReader<Utf8, Utf8, json::StackAllocator> parser(&allocator, 256);
     Handler handler(input, reader);
     Stream stream{&input};
     const rapidjson::ParseResult parsed = parser.Parse<flags>(stream, handler);
