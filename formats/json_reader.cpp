@@ -16,7 +16,7 @@ namespace {
 // EndObject before it takes the brace, so the input's offset is then the
 // brace's own. RapidJSON asks for every byte on its own: those come from
 // the input's buffer without a call.
-struct Stream {
+struct ByteStream {
     typedef char Ch;
     Input* in;
     Ch Peek() const {
@@ -33,13 +33,23 @@ struct Stream {
     void Flush() {}
     size_t PutEnd(Ch*) { return 0; }
 
-    // Takes the white space before the next token, a buffer at a time.
+    // Takes the white space before the next token, a buffer at a time;
+    // the indentation of the lines eight spaces at a time.
     void skipWhitespace() {
+        constexpr uint64_t eightSpaces = 0x2020202020202020u;
         for (;;) {
             size_t count = 0;
             const char* bytes = in->buffered(&count);
             size_t taken = 0;
-            while (taken < count && isSpace(bytes[taken])) ++taken;
+            for (;;) {
+                uint64_t word;
+                if (count - taken >= 8 && (std::memcpy(&word, bytes + taken, 8), word == eightSpaces)) {
+                    taken += 8;
+                    continue;
+                }
+                if (taken == count || !isSpace(bytes[taken])) break;
+                ++taken;
+            }
             in->skipBuffered(taken);
             if (taken < count || in->peek() < 0) return;
         }
@@ -68,6 +78,11 @@ struct Stream {
         return u - 0x20u < 0x60u && u != '"' && u != '\\';
     }
 };
+
+// The stream the parser is given. Its strings and numbers take the fast
+// paths below, which leave everything else to RapidJSON's own code on a
+// ByteStream.
+struct Stream : ByteStream {};
 
 // UTF-8 in and out: RapidJSON checks every character of a string (and
 // refuses bad UTF-8, surrogates and overlong forms) and copies it; runs of
@@ -590,7 +605,7 @@ kstd_result decodeJson(Input& input, SectionReader& reader) {
     json::StackAllocator allocator;
     rapidjson::GenericReader<Utf8, Utf8, json::StackAllocator> parser(&allocator, 256);
     Handler handler(input, reader);
-    Stream stream{&input};
+    Stream stream{{&input}};
     const rapidjson::ParseResult parsed = parser.Parse<flags>(stream, handler);
     if (allocator.failed())
         return reader.reject(ksys_result_outOfMemory, input.offset(), "memory for the parser's stack ran out");
