@@ -211,6 +211,74 @@ kstd_result widen(Buffer<char16_t>& out, const char* text, size_t length) {
     return 0;
 }
 
+// A number of the forms the writer gives, scanned from bytes that hold it
+// and the byte after it: an integer of at most 18 digits, or a fraction
+// without an exponent. Its value is computed as RapidJSON computes it, with
+// the same steps and the same final conversion.
+struct Number {
+    bool minus = false;
+    bool isFraction = false;
+    uint64_t integer = 0;  // of an integer; of a fraction, its first digits
+    double approximation = 0;
+    int fractionExponent = 0;
+    int significantDigits = 0;
+    char digits[48] = {};  // all digits, without the point
+    size_t length = 0;
+    size_t pointAt = 0;    // digits before the point
+    size_t taken = 0;      // bytes of the number
+};
+
+// False for every other form, and when the number may go on past `count`.
+bool scanNumber(const char* bytes, size_t count, Number* n) {
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    size_t at = 0;
+    if (at < count && bytes[at] == '-') {
+        n->minus = true;
+        ++at;
+    }
+    // The integer part: 0 alone, or up to 18 digits, so that no step of
+    // RapidJSON's beyond 64 bits is reached.
+    const size_t first = at;
+    while (at < count && isDigit(bytes[at])) ++at;
+    const size_t integerDigits = at - first;
+    if (integerDigits == 0 || integerDigits > 18 || (bytes[first] == '0' && integerDigits > 1) || at == count)
+        return false;
+    for (size_t k = first; k < at; ++k) {
+        n->integer = n->integer * 10 + static_cast<unsigned>(bytes[k] - '0');
+        n->digits[n->length++] = bytes[k];
+    }
+    n->significantDigits = bytes[first] == '0' ? 0 : static_cast<int>(integerDigits) - 1;
+    n->pointAt = n->length;
+    if (bytes[at] == '.') {
+        ++at;
+        const size_t fraction = at;
+        while (at < count && isDigit(bytes[at])) ++at;
+        if (at == fraction || at == count || at - fraction > sizeof n->digits - n->length) return false;
+        n->isFraction = true;
+        // As RapidJSON: digits go into a 64-bit significand up to 2^53 - 1,
+        // then into a double while fewer than 17 are significant.
+        uint64_t significand = n->integer;
+        size_t k = fraction;
+        for (; k < at && significand <= (uint64_t{1} << 53) - 1; ++k) {
+            significand = significand * 10 + static_cast<unsigned>(bytes[k] - '0');
+            --n->fractionExponent;
+            if (significand != 0) ++n->significantDigits;
+        }
+        double d = static_cast<double>(significand);
+        for (; k < at; ++k) {
+            if (n->significantDigits >= 17) continue;
+            d = d * 10.0 + (bytes[k] - '0');
+            --n->fractionExponent;
+            if (d > 0.0) ++n->significantDigits;
+        }
+        n->approximation = d;
+        for (k = fraction; k < at; ++k) n->digits[n->length++] = bytes[k];
+    }
+    if (bytes[at] == 'e' || bytes[at] == 'E') return false;
+    n->taken = at;
+    return true;
+}
+
 class Handler {
 public:
     Handler(Input& input, SectionReader& reader) : in_(input), reader_(reader) {}
@@ -597,16 +665,82 @@ private:
     Buffer<char16_t> text_;  // a string value or item
 };
 
+constexpr unsigned parseFlags = rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag |
+                                rapidjson::kParseFullPrecisionFlag | rapidjson::kParseNanAndInfFlag;
+using Parser = rapidjson::GenericReader<Utf8, Utf8, json::StackAllocator>;
+
 }  // namespace
+}  // namespace vexpers::formats
+
+// The parser's strings and numbers on the Stream: those that the buffer
+// holds whole and that need no more than a scan (a string of plain ASCII,
+// a number of the forms the writer gives) are handed on from the buffer;
+// everything else goes to RapidJSON's own code, on a ByteStream.
+namespace rapidjson {
+
+template <>
+template <>
+void vexpers::formats::Parser::ParseString<vexpers::formats::parseFlags, vexpers::formats::Stream,
+                                           vexpers::formats::Handler>(vexpers::formats::Stream& is,
+                                                                      vexpers::formats::Handler& handler, bool isKey) {
+    size_t count = 0;
+    const char* bytes = is.in->buffered(&count);
+    size_t end = 1;
+    while (end < count && vexpers::formats::ByteStream::isPlain(bytes[end])) ++end;
+    if (count > 0 && bytes[0] == '"' && end < count && bytes[end] == '"') {
+        // The text stays in the buffer; the closing quote is taken first.
+        is.in->skipBuffered(end + 1);
+        const bool success = isKey ? handler.Key(bytes + 1, end - 1, true) : handler.String(bytes + 1, end - 1, true);
+        if (RAPIDJSON_UNLIKELY(!success)) RAPIDJSON_PARSE_ERROR(kParseErrorTermination, is.Tell());
+        return;
+    }
+    ParseString<vexpers::formats::parseFlags>(static_cast<vexpers::formats::ByteStream&>(is), handler, isKey);
+}
+
+template <>
+template <>
+void vexpers::formats::Parser::ParseNumber<vexpers::formats::parseFlags, vexpers::formats::Stream,
+                                           vexpers::formats::Handler>(vexpers::formats::Stream& is,
+                                                                      vexpers::formats::Handler& handler) {
+    size_t count = 0;
+    const char* bytes = is.in->buffered(&count);
+    vexpers::formats::Number n;
+    if (!vexpers::formats::scanNumber(bytes, count, &n)) {
+        ParseNumber<vexpers::formats::parseFlags>(static_cast<vexpers::formats::ByteStream&>(is), handler);
+        return;
+    }
+    const size_t startOffset = is.Tell();
+    is.in->skipBuffered(n.taken);
+    bool cont;
+    if (n.isFraction) {
+        const double d = internal::StrtodFullPrecision(n.approximation, n.fractionExponent, n.digits, n.length,
+                                                       n.pointAt, 0);
+        cont = handler.Double(n.minus ? -d : d);
+    } else if (n.minus) {
+        // RapidJSON's 32-bit forms reach down to -2^31, up to 2^32 - 1.
+        if (n.integer > 2147483648u)
+            cont = handler.Int64(static_cast<int64_t>(~n.integer + 1));
+        else
+            cont = handler.Int(static_cast<int32_t>(~static_cast<unsigned>(n.integer) + 1));
+    } else {
+        if (n.integer > 4294967295u)
+            cont = handler.Uint64(n.integer);
+        else
+            cont = handler.Uint(static_cast<unsigned>(n.integer));
+    }
+    if (RAPIDJSON_UNLIKELY(!cont)) RAPIDJSON_PARSE_ERROR(kParseErrorTermination, startOffset);
+}
+
+}  // namespace rapidjson
+
+namespace vexpers::formats {
 
 kstd_result decodeJson(Input& input, SectionReader& reader) {
-    constexpr unsigned flags = rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag |
-                               rapidjson::kParseFullPrecisionFlag | rapidjson::kParseNanAndInfFlag;
     json::StackAllocator allocator;
-    rapidjson::GenericReader<Utf8, Utf8, json::StackAllocator> parser(&allocator, 256);
+    Parser parser(&allocator, 256);
     Handler handler(input, reader);
     Stream stream{{&input}};
-    const rapidjson::ParseResult parsed = parser.Parse<flags>(stream, handler);
+    const rapidjson::ParseResult parsed = parser.Parse<parseFlags>(stream, handler);
     if (allocator.failed())
         return reader.reject(ksys_result_outOfMemory, input.offset(), "memory for the parser's stack ran out");
     if (!parsed.IsError()) {
