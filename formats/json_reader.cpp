@@ -5,6 +5,8 @@
 // stacks. The key order is that of the encoder (json_writer.cpp): the
 // descriptor keys in any order, then at most one of "value", "items" or
 // "children", last.
+#include <bit>
+
 #include "json.hpp"
 #include "reader.hpp"
 
@@ -32,6 +34,27 @@ struct ByteStream {
     void Put(Ch) {}
     void Flush() {}
     size_t PutEnd(Ch*) { return 0; }
+
+    // The number of plain ASCII characters (no quote, backslash or control
+    // character) at the start of `bytes`; eight at a time where it can.
+    static size_t plainRun(const char* bytes, size_t count) {
+        size_t run = 0;
+        if constexpr (std::endian::native == std::endian::little) {
+            constexpr uint64_t ones = 0x0101010101010101u, highs = 0x8080808080808080u;
+            const auto below = [&](uint64_t word, uint64_t limit) { return (word - ones * limit) & ~word; };
+            const auto equal = [&](uint64_t word, uint64_t c) { return below(word ^ (ones * c), 1); };
+            for (; count - run >= 8; run += 8) {
+                uint64_t word;
+                std::memcpy(&word, bytes + run, 8);
+                // The lowest flagged byte of each test is exact; flags
+                // above it may be false, and do not matter.
+                const uint64_t special = (below(word, 0x20) | equal(word, '"') | equal(word, '\\') | word) & highs;
+                if (special != 0) return run + static_cast<size_t>(__builtin_ctzll(special) >> 3);
+            }
+        }
+        while (run < count && isPlain(bytes[run])) ++run;
+        return run;
+    }
 
     // Takes the white space before the next token, a buffer at a time;
     // the indentation of the lines eight spaces at a time.
@@ -66,8 +89,7 @@ struct ByteStream {
         size_t count = 0;
         const char* bytes = in->buffered(&count);
         if (count == 0 || static_cast<uint8_t>(bytes[0]) >= 0x80) return false;
-        size_t run = 1;
-        while (run < count && isPlain(bytes[run])) ++run;
+        const size_t run = 1 + plainRun(bytes + 1, count - 1);
         char* to = static_cast<char*>(out.Push(run));
         for (size_t k = 0; k < run; ++k) to[k] = bytes[k];
         in->skipBuffered(run);
@@ -212,8 +234,8 @@ kstd_result widen(Buffer<char16_t>& out, const char* text, size_t length) {
 }
 
 // A number of the forms the writer gives, scanned from bytes that hold it
-// and the byte after it: an integer of at most 18 digits, or a fraction
-// without an exponent. Its value is computed as RapidJSON computes it, with
+// and the byte after it: an integer of at most 19 digits that fits in 64
+// bits, or a fraction without an exponent. Its value is computed as RapidJSON computes it, with
 // the same steps and the same final conversion.
 struct Number {
     bool minus = false;
@@ -236,17 +258,18 @@ bool scanNumber(const char* bytes, size_t count, Number* n) {
         n->minus = true;
         ++at;
     }
-    // The integer part: 0 alone, or up to 18 digits, so that no step of
-    // RapidJSON's beyond 64 bits is reached.
+    // The integer part: 0 alone, or up to 19 digits that fit in 64 bits
+    // (down to -2^63), so that RapidJSON would not go on in a double.
     const size_t first = at;
     while (at < count && isDigit(bytes[at])) ++at;
     const size_t integerDigits = at - first;
-    if (integerDigits == 0 || integerDigits > 18 || (bytes[first] == '0' && integerDigits > 1) || at == count)
+    if (integerDigits == 0 || integerDigits > 19 || (bytes[first] == '0' && integerDigits > 1) || at == count)
         return false;
     for (size_t k = first; k < at; ++k) {
         n->integer = n->integer * 10 + static_cast<unsigned>(bytes[k] - '0');
         n->digits[n->length++] = bytes[k];
     }
+    if (n->minus && n->integer > uint64_t{1} << 63) return false;
     n->significantDigits = bytes[first] == '0' ? 0 : static_cast<int>(integerDigits) - 1;
     n->pointAt = n->length;
     if (bytes[at] == '.') {
@@ -685,8 +708,7 @@ void vexpers::formats::Parser::ParseString<vexpers::formats::parseFlags, vexpers
                                                                       vexpers::formats::Handler& handler, bool isKey) {
     size_t count = 0;
     const char* bytes = is.in->buffered(&count);
-    size_t end = 1;
-    while (end < count && vexpers::formats::ByteStream::isPlain(bytes[end])) ++end;
+    const size_t end = count > 0 ? 1 + vexpers::formats::ByteStream::plainRun(bytes + 1, count - 1) : 0;
     if (count > 0 && bytes[0] == '"' && end < count && bytes[end] == '"') {
         // The text stays in the buffer; the closing quote is taken first.
         is.in->skipBuffered(end + 1);
