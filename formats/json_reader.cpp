@@ -63,6 +63,7 @@ struct ByteStream {
         for (;;) {
             size_t count = 0;
             const char* bytes = in->buffered(&count);
+            if (count > 0 && !isSpace(bytes[0])) return;  // most tokens follow the one before at once
             size_t taken = 0;
             for (;;) {
                 uint64_t word;
@@ -240,11 +241,10 @@ kstd_result widen(Buffer<char16_t>& out, const char* text, size_t length) {
 struct Number {
     bool minus = false;
     bool isFraction = false;
-    uint64_t integer = 0;  // of an integer; of a fraction, its first digits
+    uint64_t integer = 0;  // the digits before the point
     double approximation = 0;
     int fractionExponent = 0;
-    int significantDigits = 0;
-    char digits[48] = {};  // all digits, without the point
+    char digits[48];       // all digits, without the point
     size_t length = 0;
     size_t pointAt = 0;    // digits before the point
     size_t taken = 0;      // bytes of the number
@@ -253,52 +253,59 @@ struct Number {
 // False for every other form, and when the number may go on past `count`.
 bool scanNumber(const char* bytes, size_t count, Number* n) {
     const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    size_t at = 0;
-    if (at < count && bytes[at] == '-') {
+    const char* at = bytes;
+    const char* const end = bytes + count;
+    char* to = n->digits;
+    char* const toEnd = n->digits + sizeof n->digits;
+    if (at < end && *at == '-') {
         n->minus = true;
         ++at;
     }
     // The integer part: 0 alone, or up to 19 digits that fit in 64 bits
     // (down to -2^63), so that RapidJSON would not go on in a double.
-    const size_t first = at;
-    while (at < count && isDigit(bytes[at])) ++at;
-    const size_t integerDigits = at - first;
-    if (integerDigits == 0 || integerDigits > 19 || (bytes[first] == '0' && integerDigits > 1) || at == count)
-        return false;
-    for (size_t k = first; k < at; ++k) {
-        n->integer = n->integer * 10 + static_cast<unsigned>(bytes[k] - '0');
-        n->digits[n->length++] = bytes[k];
+    const char* const first = at;
+    uint64_t integer = 0;
+    for (; at < end && isDigit(*at); ++at) {
+        if (at - first == 19) return false;
+        integer = integer * 10 + static_cast<unsigned>(*at - '0');
+        *to++ = *at;
     }
-    if (n->minus && n->integer > uint64_t{1} << 63) return false;
-    n->significantDigits = bytes[first] == '0' ? 0 : static_cast<int>(integerDigits) - 1;
-    n->pointAt = n->length;
-    if (bytes[at] == '.') {
-        ++at;
-        const size_t fraction = at;
-        while (at < count && isDigit(bytes[at])) ++at;
-        if (at == fraction || at == count || at - fraction > sizeof n->digits - n->length) return false;
-        n->isFraction = true;
+    if (at == first || at == end || (*first == '0' && at - first > 1)) return false;
+    if (n->minus && integer > uint64_t{1} << 63) return false;
+    n->integer = integer;
+    n->pointAt = static_cast<size_t>(to - n->digits);
+    if (*at == '.') {
+        const char* const fraction = ++at;
         // As RapidJSON: digits go into a 64-bit significand up to 2^53 - 1,
         // then into a double while fewer than 17 are significant.
-        uint64_t significand = n->integer;
-        size_t k = fraction;
-        for (; k < at && significand <= (uint64_t{1} << 53) - 1; ++k) {
-            significand = significand * 10 + static_cast<unsigned>(bytes[k] - '0');
-            --n->fractionExponent;
-            if (significand != 0) ++n->significantDigits;
+        int significant = *first == '0' ? 0 : static_cast<int>(n->pointAt) - 1;
+        int exponent = 0;
+        uint64_t significand = integer;
+        for (; at < end && isDigit(*at) && significand <= (uint64_t{1} << 53) - 1; ++at) {
+            if (to == toEnd) return false;
+            significand = significand * 10 + static_cast<unsigned>(*at - '0');
+            --exponent;
+            significant += significand != 0 ? 1 : 0;
+            *to++ = *at;
         }
         double d = static_cast<double>(significand);
-        for (; k < at; ++k) {
-            if (n->significantDigits >= 17) continue;
-            d = d * 10.0 + (bytes[k] - '0');
-            --n->fractionExponent;
-            if (d > 0.0) ++n->significantDigits;
+        for (; at < end && isDigit(*at); ++at) {
+            if (to == toEnd) return false;
+            if (significant < 17) {
+                d = d * 10.0 + (*at - '0');
+                --exponent;
+                if (d > 0.0) ++significant;
+            }
+            *to++ = *at;
         }
+        if (at == fraction || at == end) return false;
+        n->isFraction = true;
         n->approximation = d;
-        for (k = fraction; k < at; ++k) n->digits[n->length++] = bytes[k];
+        n->fractionExponent = exponent;
     }
-    if (bytes[at] == 'e' || bytes[at] == 'E') return false;
-    n->taken = at;
+    if (*at == 'e' || *at == 'E') return false;
+    n->length = static_cast<size_t>(to - n->digits);
+    n->taken = static_cast<size_t>(at - bytes);
     return true;
 }
 
@@ -345,6 +352,10 @@ public:
             if (hasUnpairedSurrogate(text, length))
                 return stop(kfmt_result_malformed, "a string with an unpaired surrogate");
         }
+        return checkedString(text, length);
+    }
+    // A string known to hold neither a 0 character nor a surrogate.
+    bool checkedString(const char* text, size_t length) {
         Token t;
         t.kind = Token::string;
         t.text = text;
@@ -712,7 +723,7 @@ void vexpers::formats::Parser::ParseString<vexpers::formats::parseFlags, vexpers
     if (count > 0 && bytes[0] == '"' && end < count && bytes[end] == '"') {
         // The text stays in the buffer; the closing quote is taken first.
         is.in->skipBuffered(end + 1);
-        const bool success = isKey ? handler.Key(bytes + 1, end - 1, true) : handler.String(bytes + 1, end - 1, true);
+        const bool success = isKey ? handler.Key(bytes + 1, end - 1, true) : handler.checkedString(bytes + 1, end - 1);
         if (RAPIDJSON_UNLIKELY(!success)) RAPIDJSON_PARSE_ERROR(kParseErrorTermination, is.Tell());
         return;
     }
