@@ -250,6 +250,30 @@ struct Number {
     size_t taken = 0;      // bytes of the number
 };
 
+// Eight digits at `bytes` as a number, if they are eight digits (on
+// little-endian machines; elsewhere the digits go one by one).
+bool eightDigits(const char* bytes, uint64_t* value) {
+    if constexpr (std::endian::native != std::endian::little) return false;
+    uint64_t word;
+    std::memcpy(&word, bytes, 8);
+    if (((word & 0xF0F0F0F0F0F0F0F0u) | (((word + 0x0606060606060606u) & 0xF0F0F0F0F0F0F0F0u) >> 4)) !=
+        0x3333333333333333u)
+        return false;
+    word -= 0x3030303030303030u;
+    word = word * 10 + (word >> 8);  // pairs of digits
+    *value = (((word & 0x000000FF000000FFu) * (100 + (uint64_t{1000000} << 32))) +
+              (((word >> 16) & 0x000000FF000000FFu) * (1 + (uint64_t{10000} << 32)))) >>
+             32;
+    return true;
+}
+
+// The decimal digits of a number below 10^8.
+int digitsOf(uint64_t value) {
+    int count = 0;
+    for (; value != 0; value /= 10) ++count;
+    return count;
+}
+
 // False for every other form, and when the number may go on past `count`.
 bool scanNumber(const char* bytes, size_t count, Number* n) {
     const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
@@ -281,7 +305,20 @@ bool scanNumber(const char* bytes, size_t count, Number* n) {
         int significant = *first == '0' ? 0 : static_cast<int>(n->pointAt) - 1;
         int exponent = 0;
         uint64_t significand = integer;
-        for (; at < end && isDigit(*at) && significand <= (uint64_t{1} << 53) - 1; ++at) {
+        constexpr uint64_t fastLimit = (uint64_t{1} << 53) - 1;
+        // Eight digits at once while the significand stays within the
+        // limit after them (so it was within it before each of them).
+        uint64_t chunk;
+        while (end - at > 8 && toEnd - to >= 8 && significand < 90071992u && eightDigits(at, &chunk) &&
+               significand * 100000000u + chunk <= fastLimit) {
+            significant += significand != 0 ? 8 : digitsOf(chunk);
+            significand = significand * 100000000u + chunk;
+            exponent -= 8;
+            std::memcpy(to, at, 8);
+            to += 8;
+            at += 8;
+        }
+        for (; at < end && isDigit(*at) && significand <= fastLimit; ++at) {
             if (to == toEnd) return false;
             significand = significand * 10 + static_cast<unsigned>(*at - '0');
             --exponent;
