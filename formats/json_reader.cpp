@@ -236,8 +236,8 @@ kstd_result widen(Buffer<char16_t>& out, const char* text, size_t length) {
 
 // A number of the forms the writer gives, scanned from bytes that hold it
 // and the byte after it: an integer of at most 19 digits that fits in 64
-// bits, or a fraction without an exponent. Its value is computed as RapidJSON computes it, with
-// the same steps and the same final conversion.
+// bits, or a fraction without an exponent. Its value is computed as
+// RapidJSON computes it, with the same steps and the same final conversion.
 struct Number {
     bool minus = false;
     bool isFraction = false;
