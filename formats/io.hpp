@@ -114,7 +114,26 @@ public:
     kstd_result failure() const { return failure_; }
     bool atEnd() { return peek() < 0; }
 
+    // For parsers that go byte by byte: peek() and take() without a call
+    // while the buffer holds bytes (the refill stays out of line), and the
+    // buffered bytes themselves, to scan a run of them at once.
+    int peekInline() { return position_ != filled_ ? static_cast<uint8_t>(buffer_[position_]) : peekOutOfLine(); }
+    int takeInline() {
+        return position_ != filled_ ? static_cast<uint8_t>(buffer_[position_++]) : takeOutOfLine();
+    }
+    // The next byte and the number of bytes buffered from it on (0 when the
+    // buffer is used up; peek() then refills it).
+    const char* buffered(size_t* count) const {
+        *count = filled_ - position_;
+        return buffer_ + position_;
+    }
+    // Takes `count` (at most the number buffered) bytes of the buffer.
+    void skipBuffered(size_t count) { position_ += count; }
+
 private:
+    __attribute__((noinline)) int peekOutOfLine() { return peek(); }
+    __attribute__((noinline)) int takeOutOfLine() { return take(); }
+
     bool refill() {
         if (ended_) return false;
         base_ += static_cast<int64_t>(filled_);

@@ -311,6 +311,47 @@ TEST(Formats, UnregisteredTypesReadDumpAndWriteBack) {
     EXPECT_EQ(json, json2);
 }
 
+// JSON texts beyond ASCII, raw or escaped, read as the same UTF-16 and are
+// held to the caps in UTF-16 units; texts JSON cannot hold are refused.
+TEST(Formats, JsonTextsBeyondAsciiAreCappedInUnitsAndCheckedAsText) {
+    std::string name;  // 20 units in 40 bytes
+    for (int i = 0; i < 5; ++i) name += "\u00e9\u00e9\U0001F600";
+    const auto leaf = [](const std::string& name, const std::string& value) {
+        return R"({"name":")" + name + R"(","type":"kstd_unicodeString","kind":"value","value":")" + value + "\"}";
+    };
+    const std::string text = document(R"({"name":")" + name + R"(","type":"T\u00fcp","kind":"object","children":[)" +
+                                          leaf(R"(\u00e9\ud83d\ude00)", "a\u00e9\U0001F600") + "]}", 2);
+    const auto readCapped = [&](const std::string& bytes, int32_t nameUnits, int32_t stringUnits,
+                                kfmt_report* report) {
+        Tree tree;
+        kfmt_options options = checkingOptions(0);
+        options.limits.maxNameUnits = nameUnits;
+        options.limits.maxStringUnits = stringUnits;
+        const kstd_result result = read(tree, bytesOf(bytes), &options, report);
+        if (result >= 0) {
+            EXPECT_EQ(dumpOf(tree), name + ": T\u00fcp\n  \u00e9\U0001F600: kstd_unicodeString = \"a\u00e9\U0001F600\"\n");
+        }
+        return result;
+    };
+    kfmt_report report{};
+    EXPECT_EQ(readCapped(text, 20, 4, &report), 0) << report.message;
+    EXPECT_EQ(readCapped(text, 19, 4, &report), kstd_persistentResult_nameTooLong);
+    EXPECT_EQ(report.offset, int64_t(text.find(name) + name.size() + 1)) << "found at the name";
+    EXPECT_EQ(readCapped(text, 20, 3, &report), kfmt_result_limitExceeded);
+    const struct {
+        std::string node;
+        const char* message;
+    } refused[]{
+        {leaf("a", R"(x\u0000y)"), "0 character"},
+        {leaf(R"(\udd22)", "a"), "unpaired surrogate"},
+        {leaf("\xED\xA0\x80", "a"), "encoding"},
+    };
+    for (const auto& test : refused) {
+        EXPECT_EQ(readCapped(document(test.node, 1), 20, 4, &report), kfmt_result_malformed) << test.node;
+        EXPECT_NE(std::string(report.message).find(test.message), std::string::npos) << report.message;
+    }
+}
+
 TEST(Formats, DetectionLooksAtTheFirstBytesAndTheLastPathComponent) {
     uint32_t format = 9;
     EXPECT_EQ(kfmt_detectFormat("VXPB\1\0\0\0", 8, &format), 0);
