@@ -51,6 +51,24 @@ using property::PropertyInfoEntry;
 
 using AssignSharedFn = kstd_result (*)(void* pointer, kstd_shared* shared);
 
+// The first child named `name` (the search of
+// kstd_persistentPropertyNode_getMatchingChildConst). Names are interned,
+// so an equal name mostly has the very same characters; other names are
+// compared by their text.
+kstd_result childNamed(const Node* node, const kstd_stringConst& name, const Node** child) {
+    *child = nullptr;
+    if (name.chars == nullptr || name.length == 0) return kstd_persistentResult_invalidPropertyName;
+    for (const Node* c = node->firstChild; c != nullptr; c = c->nextSibling) {
+        const kstd_stringConst& n = c->info.name;
+        if (n.chars == name.chars ||
+            (n.chars != nullptr && n.length == name.length && ksys_wcsncmp(n.chars, name.chars, name.length) == 0)) {
+            *child = c;
+            return 0;
+        }
+    }
+    return 0;
+}
+
 constexpr uint32_t flagLeaf = kstd_persistentPropertyNodeFlag_leaf;
 constexpr uint32_t flagHasValue = kstd_persistentPropertyNodeFlag_hasValue;
 constexpr uint32_t flagHasObjectId = kstd_persistentPropertyNodeFlag_hasObjectId;
@@ -176,8 +194,7 @@ public:
                 PropertyInfoEntry& entry = entries[frame.nextEntry++];
                 if (!property::entryIsLoadable(entry)) continue;
                 const Node* child = nullptr;
-                kstd_result step =
-                    kstd_persistentPropertyNode_getMatchingChildConst(frame.node, entry.info.name.chars, 0, &child);
+                kstd_result step = childNamed(frame.node, entry.info.name, &child);
                 if (failed(step)) return fail(step, floor);
                 if (child == nullptr && frame.nodeStandsIn) child = frame.node;
                 if (child == nullptr) continue;
