@@ -1,10 +1,10 @@
 // Property nodes: setting a node's value, the start/end protocol by which a
 // tree is rebuilt from sections, navigation and lookups, the descriptor and
 // value accessors, and freeing a subtree without recursion.
-#include <bit>
 #include <utility>
 
 #include "tree/tree_internal.hpp"
+#include "types/type_record.hpp"
 
 namespace vexpers::tree {
 namespace {
@@ -20,8 +20,9 @@ bool isEmptyName(const char16_t* name) { return name == nullptr || name[0] == 0;
 // that the object was met already, and flags are only ever added).
 bool isWellFormed(uint32_t flags, bool takesValue) {
     if ((flags & ~flag::known) != 0) return false;
-    const int kinds = std::popcount(flags & flag::leafKindBits);
-    if (kinds > 1 || (kinds == 1 && (flags & flag::leaf) == 0)) return false;
+    // At most one leaf-kind bit, and only on a leaf.
+    const uint32_t kinds = flags & flag::leafKindBits;
+    if ((kinds & (kinds - 1)) != 0 || (kinds != 0 && (flags & flag::leaf) == 0)) return false;
     if ((flags & flag::leaf) != 0 && kinds == 0 && !takesValue) return false;
     if (allSet(flags, flag::arrayCore | flag::arrayOther)) return false;
     if ((flags & flag::compound) != 0) {
@@ -37,9 +38,9 @@ kstd_result checkSectionLimits(const Section* section) {
     if (section->objectId > kstd_persistentPropertyTree_maxObjectId) return kstd_persistentResult_invalidArgument;
     if (section->info.name.length > kstd_persistentPropertyNodeSection_maxNameUnits)
         return kstd_persistentResult_nameTooLong;
-    const char16_t* typeName = nullptr;
-    if (kstd_persistentType_getTypeName(&section->info.type, &typeName) >= 0 && typeName != nullptr &&
-        ksys_wcslen(typeName) > kstd_persistentPropertyNodeSection_maxNameUnits)
+    const kstd_persistentType_* record = nullptr;
+    if (types::resolveRecord(&section->info.type, false, &record) >= 0 &&
+        record->name.length > kstd_persistentPropertyNodeSection_maxNameUnits)
         return kstd_persistentResult_nameTooLong;
     return 0;
 }
