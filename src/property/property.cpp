@@ -47,6 +47,15 @@ VEXPERS_EXPORT kstd_result kstd_persistentProperty_destruct(kstd_persistentPrope
 
 VEXPERS_EXPORT kstd_result kstd_persistentProperty_reset(kstd_persistentProperty* property) {
     VEXPERS_REQUIRE(property != nullptr);
+    // A property that holds no share of anything has nothing to release:
+    // resetting it is writing the empty property over it.
+    const kstd_persistentVariant& value = property->value;
+    if (property->info.name.holder.shared == nullptr && property->info.type.record.shared == nullptr &&
+        value.type.record.shared == nullptr && value.stringValue.holder.shared == nullptr &&
+        value.sharedObject.shared == nullptr) {
+        *property = vexpers::types::emptyProperty;
+        return 0;
+    }
     VEXPERS_TRY(kstd_persistentPropertyInfo_reset(&property->info));
     return kstd_persistentVariant_reset(&property->value);
 }

@@ -3,6 +3,7 @@
 // value accessors, and freeing a subtree without recursion.
 #include <utility>
 
+#include "property/property_exchange.hpp"
 #include "tree/tree_internal.hpp"
 #include "types/type_record.hpp"
 
@@ -162,26 +163,6 @@ kstd_result describeValue(Node* node) {
     return 0;
 }
 
-// Exchanges two records by their bytes, except that a string's characters
-// may point at its own emptyChar, which must keep pointing into its record.
-void exchangeStrings(kstd_stringConst& a, kstd_stringConst& b) {
-    const bool aOwnEmpty = a.chars == &a.emptyChar;
-    const bool bOwnEmpty = b.chars == &b.emptyChar;
-    std::swap(a, b);
-    if (aOwnEmpty) b.chars = &b.emptyChar;
-    if (bOwnEmpty) a.chars = &a.emptyChar;
-}
-
-void exchangeProperties(kstd_persistentProperty& a, kstd_persistentProperty& b) {
-    exchangeStrings(a.info.name, b.info.name);
-    std::swap(a.info.type, b.info.type);
-    std::swap(a.info.dataAccess, b.info.dataAccess);
-    std::swap(a.info.globalIndex, b.info.globalIndex);
-    // A variant holds no pointer into itself: its shares and its value
-    // move with it unchanged.
-    std::swap(a.value, b.value);
-}
-
 }  // namespace
 
 kstd_result setValue(Node* node, const kstd_persistentProperty* property) {
@@ -191,7 +172,7 @@ kstd_result setValue(Node* node, const kstd_persistentProperty* property) {
 }
 
 kstd_result takeValue(Node* node, kstd_persistentProperty* property) {
-    exchangeProperties(node->leafProperty, *property);
+    property::exchangeProperties(node->leafProperty, *property);
     VEXPERS_TRY(kstd_persistentProperty_getInfo(&node->leafProperty, &node->info));
     return describeValue(node);
 }

@@ -4,6 +4,7 @@
 #include "types/property_transfer.hpp"
 
 #include "property/bag_internal.hpp"
+#include "property/property_exchange.hpp"
 #include "types/type_record.hpp"
 
 namespace vexpers::types {
@@ -68,8 +69,15 @@ kstd_result storeThroughEntries(std::span<PropertyInfoEntry> entries, void* obje
             }));
             continue;
         }
-        VEXPERS_TRY(readEntryProperty(&entry, object, &stored, &bag->spareProperty));
-        if (stored) VEXPERS_TRY(kstd_persistentPropertyBag_addProperty(bag, &bag->spareProperty));
+        // Anything else stores through the spare property, whose name is
+        // known only then; the new slot takes its contents over.
+        kstd_persistentProperty& spare = bag->spareProperty;
+        VEXPERS_TRY(readEntryProperty(&entry, object, &stored, &spare));
+        if (stored)
+            VEXPERS_TRY(vexpers::property::addWith(bag, spare.info.name.chars, [&spare](kstd_persistentProperty* slot) {
+                vexpers::property::exchangeProperties(*slot, spare);
+                return kstd_result{0};
+            }));
     }
     return 0;
 }
