@@ -1,5 +1,6 @@
 #include "tree/roundtrip_model.hpp"
 
+#include <array>
 #include <atomic>
 #include <cstring>
 #include <iterator>
@@ -19,13 +20,6 @@ using vexpers::client::member;
 // ---- Object life cycles: construct and destruct per type, the rest from templates ----------
 
 template <class T>
-constexpr const char16_t* nameOf = nullptr;
-template <>
-constexpr const char16_t* nameOf<Node> = u"RtNode";
-template <>
-constexpr const char16_t* nameOf<Link> = u"RtLink";
-
-template <class T>
 kstd_result deleteObject(void** object);
 template <class T>
 kstd_result destroyShared(kstd_shared* shared) {
@@ -34,12 +28,12 @@ kstd_result destroyShared(kstd_shared* shared) {
 }
 template <class T>
 kstd_result sharedName(const kstd_shared*, const char16_t** name) {
-    *name = nameOf<T>;
+    *name = T::typeName;
     return 0;
 }
 template <class T>
 kstd_result objectName(const void*, const char16_t** name) {
-    *name = nameOf<T>;
+    *name = T::typeName;
     return 0;
 }
 template <class T>
@@ -55,6 +49,12 @@ constexpr kstd_sharedTyped typed{kstd_shared_queryInterfaceByTypenameFinal, shar
 template <class T>
 constexpr kstd_typeDescriptorMinimalVtable minimal{sharedHeader<T>, objectName<T>};
 
+// The shared pointers a node holds (its view aside).
+std::array<kstd_ptrh*, 6> linksOf(Node* node) {
+    Item* items = node->items.items;
+    return {&node->next, &node->other, &items[0].link, &items[1].link, &items[2].link, &items[3].link};
+}
+
 kstd_result construct(Node* node) {
     std::memset(node, 0, sizeof(Node));
     void* items = nullptr;
@@ -68,9 +68,7 @@ kstd_result construct(Node* node) {
 #undef RT_CONSTRUCT
     RT_TRY(kstd_vector_kstd_unicodeString_construct(&node->vstr));
     // An empty pointer still names the type it points at.
-    for (kstd_ptrh* p : {&node->next, &node->other, &node->items.items[0].link, &node->items.items[1].link,
-                         &node->items.items[2].link, &node->items.items[3].link})
-        RT_TRY(kstd_ptrh_constructBaseTypename(p, nullptr, u"RtNode"));
+    for (kstd_ptrh* p : linksOf(node)) RT_TRY(kstd_ptrh_constructBaseTypename(p, nullptr, u"RtNode"));
     RT_TRY(kstd_ptrhConst_constructBaseTypename(&node->view, nullptr, u"RtNode"));
     ++live;
     return 0;
@@ -82,9 +80,7 @@ kstd_result destruct(Node* node) {
     RT_SCALAR_VECTORS(RT_DESTRUCT)
 #undef RT_DESTRUCT
     kstd_vector_kstd_unicodeString_destruct(&node->vstr);
-    for (kstd_ptrh* p : {&node->next, &node->other, &node->items.items[0].link, &node->items.items[1].link,
-                         &node->items.items[2].link, &node->items.items[3].link})
-        kstd_ptrh_destruct(p);
+    for (kstd_ptrh* p : linksOf(node)) kstd_ptrh_destruct(p);
     kstd_ptrhConst_destruct(&node->view);
     void* items = node->items.items;
     --live;
@@ -374,10 +370,8 @@ int64_t liveObjects() { return live.load(); }
 std::vector<AfterLoad>& linkAfterLoads() { return afterLoads; }
 
 void unlinkNode(Node* node) {
-    kstd_ptrh_reset(&node->next);
-    kstd_ptrh_reset(&node->other);
+    for (kstd_ptrh* p : linksOf(node)) kstd_ptrh_reset(p);
     kstd_ptrhConst_reset(&node->view);
-    for (int i = 0; i < 4; ++i) kstd_ptrh_reset(&node->items.items[i].link);
 }
 
 void releaseChain(kstd_ptrh* head) {
