@@ -66,7 +66,6 @@ struct ItemList {
 // a string, an enum and a bit field, every built-in vector, shared
 // pointers, a box held by value twice and a container of object items.
 struct Node {
-    static constexpr const char16_t* typeName = u"RtNode";
     kstd_shared header;
 #define RT_DECLARE_SCALAR(field, type, typeName) type field;
     RT_SCALARS(RT_DECLARE_SCALAR)
@@ -87,7 +86,6 @@ struct Node {
 
 // A light shared object for long chains: a value and a link.
 struct Link {
-    static constexpr const char16_t* typeName = u"RtLink";
     kstd_shared header;
     int32_t value;
     kstd_ptrh next;
