@@ -47,7 +47,7 @@ TEST_P(UntrustedInput, TruncationAtEveryOffsetFailsWithACode) {
     // A small scene keeps the JSON case (each prefix parsed from the start) quick.
     const Bytes bytes = sceneBytes(GetParam() == kfmt_format_json ? 3 : demo::defaultNodes, GetParam());
     ASSERT_GT(bytes.size(), 100u);
-    LiveBlockCheck leaks;
+    NoLeaks leaks;
     // The JSON text ends with a new line that the document does not need.
     const size_t complete = bytes.size() - (GetParam() == kfmt_format_json ? 1 : 0);
     for (size_t cut = 0; cut < complete; ++cut) {
@@ -61,7 +61,6 @@ TEST_P(UntrustedInput, TruncationAtEveryOffsetFailsWithACode) {
     }
     kfmt_report report{};
     EXPECT_EQ(readAndUse(bytes, complete, &report), 0);
-    EXPECT_EQ(leaks.leaked(), 0);
 }
 
 TEST_P(UntrustedInput, RandomByteChangesNeverCrashOrLeak) {
@@ -279,10 +278,9 @@ TEST(FormatsCompose, UntrustedTreesFailWithCodesAndLeakNothing) {
     rt::types();
     composeAll();  // registers and interns what the trees name
     const int64_t objectsBefore = rt::liveObjects();
-    LiveBlockCheck leaks;
+    NoLeaks leaks;
     composeAll();
     EXPECT_EQ(rt::liveObjects(), objectsBefore);
-    EXPECT_EQ(leaks.leaked(), 0);
 }
 
 // A file whose types nobody registered reads, dumps and writes back the

@@ -61,6 +61,17 @@ private:
     int64_t start_;
 };
 
+// Expects, when it goes, that no block allocated since it was made is left;
+// declare it before the records whose memory it checks.
+struct NoLeaks : LiveBlockCheck {
+    NoLeaks(const char* file = __builtin_FILE(), int line = __builtin_LINE()) : file_(file), line_(line) {}
+    ~NoLeaks() {
+        if (leaked() != 0) ADD_FAILURE_AT(file_, line_) << leaked() << " blocks leaked in this scope";
+    }
+    const char* file_;
+    int line_;
+};
+
 // Allocation-failure sweep. Runs `scenario` once cleanly and counts its
 // allocations A; then, for k = 1..A (and on while the k-th allocation is
 // still reached: growing reallocations count as well), runs it with the k-th
