@@ -102,27 +102,22 @@ TEST_F(ObjectOperations, ConstructOrDestructFailingMidArray) {
 }
 
 TEST_F(ObjectOperations, AssignObjectFromVariant) {
-    Widget source{}, target{};
+    NewWidget source, target;
     Variant variant;
-    source.number = 42;
-    kstd_vector32s_construct(&source.values);
-    kstd_vector32s_construct(&target.values);
-    ASSERT_EQ(kstd_persistentVariant_setValueUsingType(variant, types.widget, &source), 0);
-    EXPECT_EQ(kstd_persistentType_assignObjectFromVariant(types.widget, &target, variant), 0);
-    EXPECT_EQ(target.number, 42);
+    source->number = 42;
+    ASSERT_EQ(kstd_persistentVariant_setValueUsingType(variant, types.widget, source.get()), 0);
+    EXPECT_EQ(kstd_persistentType_assignObjectFromVariant(types.widget, target.get(), variant), 0);
+    EXPECT_EQ(target->number, 42);
     EXPECT_EQ(widgetCalls.assigns, 1);
     EXPECT_EQ(kstd_persistentType_assignObjectFromVariant(types.widget, nullptr, variant), CC);
 
     // Another object type, a core value, or no object.
-    EXPECT_EQ(kstd_persistentType_assignObjectFromVariant(types.inner, &target, variant), CD);
+    EXPECT_EQ(kstd_persistentType_assignObjectFromVariant(types.inner, target.get(), variant), CD);
     ASSERT_EQ(kstd_persistentVariant_setValue_int(variant, 3), 0);
-    EXPECT_EQ(kstd_persistentType_assignObjectFromVariant(types.widget, &target, variant), CD);
+    EXPECT_EQ(kstd_persistentType_assignObjectFromVariant(types.widget, target.get(), variant), CD);
     ASSERT_EQ(kstd_persistentVariant_setValueUsingType(variant, types.widget, nullptr), 0);
-    EXPECT_EQ(kstd_persistentType_assignObjectFromVariant(types.widget, &target, variant), CC);
+    EXPECT_EQ(kstd_persistentType_assignObjectFromVariant(types.widget, target.get(), variant), CC);
     EXPECT_EQ(widgetCalls.assigns, 1);
-
-    kstd_vector32s_destruct(&source.values);
-    kstd_vector32s_destruct(&target.values);
 }
 
 TEST_F(ObjectOperations, SetPropertyAndInterfaceQueryDispatchToTheType) {
