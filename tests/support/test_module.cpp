@@ -68,30 +68,7 @@ constexpr kstd_persistentValueAccessVtable widgetAccess{nullptr, nullptr, nullpt
 
 // ---- Box: a container of int32 items -----------------------------------------------
 
-kstd_result boxResize(void* container, int64_t count) {
-    if (count < 0 || count > 8) return kstd_persistentResult_invalidCount;
-    static_cast<Box*>(container)->count = static_cast<intptr_t>(count);
-    return 0;
-}
-kstd_result boxSize(const void* container, intptr_t* count) {
-    *count = static_cast<const Box*>(container)->count;
-    return 0;
-}
-kstd_result boxBegin(void* container, void** first) {
-    *first = static_cast<Box*>(container)->items;
-    return 0;
-}
-kstd_result int32Layout(uint32_t* isContiguous, uint32_t* stride) {
-    *isContiguous = 1;
-    *stride = 4;
-    return 0;
-}
-kstd_result int32Next(void*, void** element) {
-    *element = static_cast<int32_t*>(*element) + 1;
-    return 0;
-}
-
-constexpr kstd_persistentContainerVtable boxTable{boxResize, boxSize, boxBegin, int32Layout, int32Next, nullptr};
+using BoxOperations = ListOperations<Box, int32_t, 8>;
 
 kstd_result registerNothing() { return 0; }
 
@@ -148,8 +125,8 @@ kstd_result vectorBegin(void* container, void** first) {
     *first = begin;
     return result;
 }
-constexpr kstd_persistentContainerVtable vectorTable{vectorResize, vectorSize, vectorBegin, int32Layout, int32Next,
-                                                     nullptr};
+constexpr kstd_persistentContainerVtable vectorTable{vectorResize,          vectorSize,          vectorBegin,
+                                                     BoxOperations::layout, BoxOperations::next, nullptr};
 
 kstd_result locateValues(void* object, void** first, void** second) {
     *first = &static_cast<Widget*>(object)->values;
@@ -231,12 +208,12 @@ ModuleTypes registerModule() {
                                                            &r.widget),
               0);
     EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectContainer(u"TestBox", &objectTableOf<Box>, &valueAccessTable,
-                                                             nullptr, &boxTable, u"k_Int32",
+                                                             nullptr, &BoxOperations::table, u"k_Int32",
                                                              kstd_persistentTypeRegisterType_k_Int32, 0, &r.boxFlag,
                                                              &r.box),
               0);
     EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectContainer(u"TestLooseBox", &objectTableOf<Box>, &valueAccessTable,
-                                                             nullptr, &boxTable, u"TestNeverRegisteredItem",
+                                                             nullptr, &BoxOperations::table, u"TestNeverRegisteredItem",
                                                              registerNothing, 0, &r.looseBoxFlag, &r.looseBox),
               0);
     EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"TestBroken", &objectTableOf<Widget>, &valueAccessTable,
@@ -247,7 +224,7 @@ ModuleTypes registerModule() {
 
 }  // namespace
 
-const kstd_persistentContainerVtable* boxOperations() { return &boxTable; }
+const kstd_persistentContainerVtable* boxOperations() { return &BoxOperations::table; }
 
 const ModuleTypes& moduleTypes() {
     static const ModuleTypes types = registerModule();

@@ -137,32 +137,10 @@ kstd_result bitsValue(const void* object, uint64_t* value) {
 
 // The container of object items inside Node, and its load entry: one item
 // from each child of the array's node.
-kstd_result listResize(void* container, int64_t count) {
-    if (count < 0 || count > 4) return kstd_persistentResult_invalidCount;
-    static_cast<ItemList*>(container)->count = static_cast<intptr_t>(count);
-    return 0;
-}
-kstd_result listSize(const void* container, intptr_t* count) {
-    *count = static_cast<const ItemList*>(container)->count;
-    return 0;
-}
-kstd_result listBegin(void* container, void** first) {
-    *first = static_cast<ItemList*>(container)->items;
-    return 0;
-}
-kstd_result itemLayout(uint32_t* isContiguous, uint32_t* stride) {
-    *isContiguous = 1;
-    *stride = sizeof(Item);
-    return 0;
-}
-kstd_result itemNext(void*, void** element) {
-    *element = static_cast<Item*>(*element) + 1;
-    return 0;
-}
-constexpr kstd_persistentContainerVtable listTable{listResize, listSize, listBegin, itemLayout, itemNext, nullptr};
+using ListTable = ListOperations<ItemList, Item, 4>;
 kstd_result locateItems(void* object, void** first, void** second) {
     *first = &static_cast<Node*>(object)->items;
-    *second = const_cast<kstd_persistentContainerVtable*>(&listTable);
+    *second = const_cast<kstd_persistentContainerVtable*>(&ListTable::table);
     return 0;
 }
 kstd_result loadItems(void*, void* first, void*, const kstd_persistentType* arrayType,
@@ -171,7 +149,7 @@ kstd_result loadItems(void*, void* first, void*, const kstd_persistentType* arra
     int64_t count = 0;
     for (const kstd_persistentPropertyNode* child = node->firstChild; child != nullptr; child = child->nextSibling)
         ++count;
-    RT_TRY(listResize(list, count));
+    RT_TRY(ListTable::resize(list, count));
     Type itemType;
     RT_TRY(kstd_persistentType_assignDifferentDerivation(itemType, arrayType, 0));
     Item* item = list->items;
