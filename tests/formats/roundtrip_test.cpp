@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <fstream>
 #include <sstream>
+#include <tuple>
 #include <unistd.h>
 
 #include "support/format_support.hpp"
@@ -46,10 +47,8 @@ void modelRoundTrip(uint32_t format) {
     EXPECT_EQ(written.references, 4);
     const kfmt_options options = checkingOptions();
     ASSERT_EQ(read(readBack, first, &options, &report, &got), 0) << report.message;
-    EXPECT_EQ(got.nodes, written.nodes);
-    EXPECT_EQ(got.objects, written.objects);
-    EXPECT_EQ(got.references, written.references);
-    EXPECT_EQ(got.bytes, written.bytes);
+    const auto counts = [](const kfmt_statistics& s) { return std::tuple(s.nodes, s.objects, s.references, s.bytes); };
+    EXPECT_EQ(counts(got), counts(written));
     ASSERT_EQ(write(readBack, format, &second), 0);
     EXPECT_EQ(first, second) << "write, read, write gives the same bytes";
     SharedPointer copy;
@@ -63,10 +62,9 @@ TEST_P(RoundTrips, RoundTripModelRoundTripsWithStableBytes) {
     warmUp();
     for (const uint32_t format : bothFormats) modelRoundTrip(format);
     const int64_t objectsBefore = rt::liveObjects();
-    LiveBlockCheck leaks;
+    NoLeaks leaks;
     modelRoundTrip(GetParam());
     EXPECT_EQ(rt::liveObjects(), objectsBefore);
-    EXPECT_EQ(leaks.leaked(), 0);
 }
 
 // A chain nesting 50,000 objects deep (about 100,000 tree levels) is walked
@@ -140,7 +138,7 @@ TEST(Formats, ModelRoundTripFailsCleanlyAtEveryAllocation) {
     warmUp();
     modelRoundTrip(kfmt_format_binary);
     const int64_t objectsBefore = rt::liveObjects();
-    LiveBlockCheck leaks;
+    NoLeaks leaks;
     {
         rt::Graph graph;
         Property root;
@@ -170,7 +168,6 @@ TEST(Formats, ModelRoundTripFailsCleanlyAtEveryAllocation) {
         clear();
     }
     EXPECT_EQ(rt::liveObjects(), objectsBefore);
-    EXPECT_EQ(leaks.leaked(), 0);
 }
 
 TEST(Formats, ConvertingKeepsTheTreeExactlyAndTheDumpMatchesTheCheckedInText) {
@@ -220,24 +217,11 @@ TEST(Formats, TinyTreeHasTheDocumentedBytesInBothFormats) {
     Bytes json, binary;
     ASSERT_EQ(write(tree, kfmt_format_json, &json), 0);
     EXPECT_EQ(json, bytesOf(tinyJson));
-    // Compact: the same members on one line, read back to the same tree.
-    const std::string compactJson =
-        "{\"format\":\"vexpers-tree\",\"version\":1,\"nodes\":["
-        "{\"name\":\"t\",\"type\":\"Tiny\",\"derivation\":1,\"kind\":\"object\",\"id\":0,\"children\":["
-        "{\"name\":\"n\",\"type\":\"k_Int32\",\"kind\":\"value\",\"value\":-2},"
-        "{\"name\":\"self\",\"type\":\"Tiny\",\"derivation\":1,\"kind\":\"ref\",\"id\":0},"
-        "{\"name\":\"xs\",\"type\":\"double\",\"derivation\":2,\"kind\":\"array\",\"count\":2,\"items\":[0.5,-1.0]}"
-        "]}],\"nodeCount\":4}\n";
+    // The compact JSON form (one line, read back to the same tree) the tool
+    // test checks; it leaves the binary form alone.
     kfmt_options compact{};
     ASSERT_EQ(kfmt_options_setDefaults(&compact), 0);
     compact.flags = kfmt_flag_compact;
-    Bytes oneLine;
-    ASSERT_EQ(write(tree, kfmt_format_json, &oneLine, nullptr, nullptr, &compact), 0);
-    EXPECT_EQ(oneLine, bytesOf(compactJson));
-    Tree fromCompact;
-    ASSERT_EQ(read(fromCompact, oneLine, nullptr, &report), 0) << report.message;
-    ASSERT_EQ(write(fromCompact, kfmt_format_json, &json), 0);
-    EXPECT_EQ(json, bytesOf(tinyJson));
     ASSERT_EQ(write(tree, kfmt_format_binary, &binary, nullptr, nullptr, &compact), 0);
     const Bytes expected{
         'V', 'X', 'P', 'B', 1, 0, 0, 0,

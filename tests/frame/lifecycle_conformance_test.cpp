@@ -13,7 +13,7 @@
 
 namespace {
 
-using vexpers::test::LiveBlockCheck;
+using vexpers::test::NoLeaks;
 
 // ---- Per record: a fill function and an equality ---------------------------------
 // Records of this library's own public functions; elements of the vectors use
@@ -347,23 +347,17 @@ void checkFamily(const Family<R>& f) {
         EXPECT_EQ(heap, nullptr) << #R;                                                  \
     }
 
-template <class R, kstd_result (*Construct)(R*), kstd_result (*Destruct)(R*)>
-void warm() {
-    R record;
-    Construct(&record);
-    fill(&record);
-    Destruct(&record);
-}
+// A record filled once and gone, for what its first fill makes for good.
+#define VEXPERS_WARM(R) { R record; R##_construct(&record); fill(&record); R##_destruct(&record); }
 
 TEST(LifecycleConformance, EveryRecordFollowsTheFamily) {
     // Start the registry, the variant's cache of core types and the interned
     // names used below first: they are made once per process, not by the
     // records.
-    warm<kstd_persistentProperty, kstd_persistentProperty_construct, kstd_persistentProperty_destruct>();
-    warm<kstd_persistentPropertyInfoSet, kstd_persistentPropertyInfoSet_construct,
-         kstd_persistentPropertyInfoSet_destruct>();
-    warm<kstd_persistentPropertyBag, kstd_persistentPropertyBag_construct, kstd_persistentPropertyBag_destruct>();
-    LiveBlockCheck leaks;
+    VEXPERS_WARM(kstd_persistentProperty)
+    VEXPERS_WARM(kstd_persistentPropertyInfoSet)
+    VEXPERS_WARM(kstd_persistentPropertyBag)
+    NoLeaks leaks;
     VEXPERS_RECORD(kstd_stringConst)
     VEXPERS_RECORD(kstd_unicodeString)
     VEXPERS_RECORD(kstd_stringConstTable)
@@ -394,7 +388,6 @@ TEST(LifecycleConformance, EveryRecordFollowsTheFamily) {
         EXPECT_EQ(kstd_persistentPropertyProcessor_delete(&processor), 0);
         EXPECT_EQ(processor, nullptr);
     }
-    EXPECT_EQ(leaks.leaked(), 0);
 }
 
 }  // namespace

@@ -25,27 +25,24 @@ protected:
 };
 
 TEST_F(ObjectData, ValuesWithoutProperties) {
-    LiveBlockCheck leaks;
-    {
-        Bag bag;
-        Variant other;
-        Type doubles;
-        ASSERT_EQ(kstd_persistentVariant_setValue_int(other, 3), 0);
-        ASSERT_EQ(kstd_persistentVariant_getObjectData(variant, bag), 0);
-        EXPECT_EQ(kstd_persistentVariant_getObjectData(other, bag), 0);  // emptied, and stays so
-        EXPECT_EQ(bag->numProperties, 0);
+    NoLeaks leaks;
+    Bag bag;
+    Variant other;
+    Type doubles;
+    ASSERT_EQ(kstd_persistentVariant_setValue_int(other, 3), 0);
+    ASSERT_EQ(kstd_persistentVariant_getObjectData(variant, bag), 0);
+    EXPECT_EQ(kstd_persistentVariant_getObjectData(other, bag), 0);  // emptied, and stays so
+    EXPECT_EQ(bag->numProperties, 0);
 
-        ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeEnum(other, moduleTypes().color, 2), 0);
-        EXPECT_EQ(kstd_persistentVariant_getObjectData(other, bag), 0);
-        ASSERT_EQ(kstd_persistentType_resetTypeNameAndDerivation(doubles, u"double", 2), 0);
-        ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(other, doubles, 2, nullptr, nullptr), 0);
-        EXPECT_EQ(kstd_persistentVariant_getObjectData(other, bag), CA);
-        ASSERT_EQ(kstd_persistentVariant_setValueUsingType(other, moduleTypes().widget, nullptr), 0);
-        EXPECT_EQ(kstd_persistentVariant_getObjectData(other, bag), CC);
-        bag->isStoring = 0;
-        EXPECT_EQ(kstd_persistentVariant_getObjectData(variant, bag), kstd_persistentResult_bagNotStoring);
-    }
-    EXPECT_EQ(leaks.leaked(), 0);
+    ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeEnum(other, moduleTypes().color, 2), 0);
+    EXPECT_EQ(kstd_persistentVariant_getObjectData(other, bag), 0);
+    ASSERT_EQ(kstd_persistentType_resetTypeNameAndDerivation(doubles, u"double", 2), 0);
+    ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(other, doubles, 2, nullptr, nullptr), 0);
+    EXPECT_EQ(kstd_persistentVariant_getObjectData(other, bag), CA);
+    ASSERT_EQ(kstd_persistentVariant_setValueUsingType(other, moduleTypes().widget, nullptr), 0);
+    EXPECT_EQ(kstd_persistentVariant_getObjectData(other, bag), CC);
+    bag->isStoring = 0;
+    EXPECT_EQ(kstd_persistentVariant_getObjectData(variant, bag), kstd_persistentResult_bagNotStoring);
 }
 
 TEST_F(ObjectData, PropertiesByNamePartThroughTheType) {

@@ -58,24 +58,21 @@ TEST_F(VariantObjects, NewObjectsLiveWithTheLastCopyOrBelongToTheCaller) {
 }
 
 TEST_F(VariantObjects, AllocatedArrayLivesWithTheLastCopy) {
-    LiveBlockCheck leaks;
-    {
-        Variant first, third;
-        void* data = nullptr;
-        uint32_t size = 0;
-        ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(first, widgets, 3, &data, &size), 0);
-        EXPECT_EQ(widgetCalls.constructed, 3);
-        EXPECT_EQ(size, sizeof(Widget));
-        ASSERT_EQ(kstd_vector32s_pushBack(&static_cast<Widget*>(data)[1].values, 8), 0);
+    NoLeaks leaks;
+    Variant first, third;
+    void* data = nullptr;
+    uint32_t size = 0;
+    ASSERT_EQ(kstd_persistentVariant_setValueUsingTypeArrayAndAlloc(first, widgets, 3, &data, &size), 0);
+    EXPECT_EQ(widgetCalls.constructed, 3);
+    EXPECT_EQ(size, sizeof(Widget));
+    ASSERT_EQ(kstd_vector32s_pushBack(&static_cast<Widget*>(data)[1].values, 8), 0);
 
-        ASSERT_EQ(kstd_persistentVariant_assign(third, first), 0);
-        ASSERT_EQ(kstd_persistentVariant_reset(first), 0);
-        EXPECT_EQ(widgetCalls.destructed, 0);
-        EXPECT_EQ(static_cast<Widget*>(third->value.pointer)[1].values.base.size, 1);
-        ASSERT_EQ(kstd_persistentVariant_reset(third), 0);
-        EXPECT_EQ(widgetCalls.destructed, 3);
-    }
-    EXPECT_EQ(leaks.leaked(), 0);
+    ASSERT_EQ(kstd_persistentVariant_assign(third, first), 0);
+    ASSERT_EQ(kstd_persistentVariant_reset(first), 0);
+    EXPECT_EQ(widgetCalls.destructed, 0);
+    EXPECT_EQ(static_cast<Widget*>(third->value.pointer)[1].values.base.size, 1);
+    ASSERT_EQ(kstd_persistentVariant_reset(third), 0);
+    EXPECT_EQ(widgetCalls.destructed, 3);
 }
 
 TEST_F(VariantObjects, AllocatedArrayRefusals) {

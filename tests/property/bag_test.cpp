@@ -24,7 +24,7 @@ TEST(PropertyBag, RejectedAddsLeaveTheBagUnchanged) {
     // Names differ by case.
     ASSERT_EQ(kstd_persistentPropertyBag_addValue_int(bag, u"A", 2, 2), 0);
     EXPECT_EQ(namesOf(bag), (Names{u"a", u"A"}));
-    EXPECT_EQ(intOf(*find(bag, u"a")), 1);
+    EXPECT_EQ(outOf<int>(0, kstd_persistentProperty_getValue_int, find(bag, u"a")), 1);
     EXPECT_EQ(find(bag, nullptr), nullptr);
 }
 

@@ -1,6 +1,8 @@
 // The property: descriptor and value together. Its value functions forward
 // to the variant's, whose conversions the variant tests cover.
 
+#include <tuple>
+
 #include "property/property_test_support.hpp"
 
 namespace {
@@ -8,21 +10,14 @@ namespace {
 using namespace vexpers::test;
 
 // Leaf flag and kind, array flag and kind, null-pointer flag and item count.
-struct Kinds {
-    uint32_t isLeaf, leaf, isArray, array, isNull;
-    int64_t items;
-    bool operator==(const Kinds&) const = default;
-};
-std::ostream& operator<<(std::ostream& os, const Kinds& k) {
-    return os << "leaf " << k.isLeaf << "/" << k.leaf << " array " << k.isArray << "/" << k.array << " null "
-              << k.isNull << " items " << k.items;
-}
+using Kinds = std::tuple<uint32_t, uint32_t, uint32_t, uint32_t, uint32_t, int64_t>;
 Kinds kindsOf(const kstd_persistentProperty* property) {
     Kinds k{};
-    EXPECT_EQ(kstd_persistentProperty_getIsLeaf(property, &k.isLeaf, &k.leaf), 0);
-    EXPECT_EQ(kstd_persistentProperty_getIsArray(property, &k.isArray, &k.array), 0);
-    EXPECT_EQ(kstd_persistentProperty_getIsNullPointer(property, &k.isNull), 0);
-    EXPECT_EQ(kstd_persistentProperty_getNumItemsIfArray(property, &k.items), 0);
+    auto& [isLeaf, leaf, isArray, array, isNull, items] = k;
+    EXPECT_EQ(kstd_persistentProperty_getIsLeaf(property, &isLeaf, &leaf), 0);
+    EXPECT_EQ(kstd_persistentProperty_getIsArray(property, &isArray, &array), 0);
+    EXPECT_EQ(kstd_persistentProperty_getIsNullPointer(property, &isNull), 0);
+    EXPECT_EQ(kstd_persistentProperty_getNumItemsIfArray(property, &items), 0);
     return k;
 }
 

@@ -44,8 +44,4 @@ inline std::vector<std::u16string> namesOf(const kstd_persistentPropertyBag* bag
     return names;
 }
 
-inline int32_t intOf(const kstd_persistentProperty& property) {
-    return outOf<int>(0, kstd_persistentProperty_getValue_int, &property);
-}
-
 }  // namespace vexpers::test

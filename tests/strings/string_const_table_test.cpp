@@ -83,12 +83,20 @@ TEST_F(Table, DenseIdsWantedIdsAndSharedCharacters) {
     kstd_stringConstTable_addString(&table, u"abc", &first, nullptr, nullptr);
     kstd_stringConstTable_addString(&table, u"abc", &second, nullptr, nullptr);
     EXPECT_EQ(first.chars, second.chars);
-    kstd_stringConst_destruct(&first);
     kstd_stringConst_destruct(&second);
 
     ASSERT_EQ(kstd_stringConstTable_addStringWithId(&table, u"five", 5, nullptr), 0);
-    for (int32_t id = 2; id < 5; ++id)
-        EXPECT_EQ(kstd_stringConstTable_getStringById(&table, id, nullptr, nullptr), ksys_result_failure);
+    // Free ids, and a negative one that the first check refuses, fail with a
+    // code (no fault) and clear both outputs.
+    AssertRecorder faults;
+    for (int32_t id : {-1, 2, 3, 4}) {
+        const char16_t* text = u"stale";
+        EXPECT_EQ(kstd_stringConstTable_getStringById(&table, id, &first, &text), ksys_result_failure);
+        EXPECT_EQ(text, nullptr);
+        EXPECT_EQ(first.chars, nullptr);
+    }
+    EXPECT_EQ(faults.count(), 0);
+    kstd_stringConst_destruct(&first);
     EXPECT_EQ(add(u"next"), 6);
     // A free id below the highest fills the gap; an id in use fails for a new text.
     ASSERT_EQ(kstd_stringConstTable_addStringWithId(&table, u"two", 2, nullptr), 0);

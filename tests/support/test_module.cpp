@@ -9,26 +9,24 @@ namespace {
 
 WidgetCalls& calls = widgetCalls;
 
-// ---- Widget: object operations ---------------------------------------------------
+// ---- Widget: object operations and interface query ---------------------------------
 
-kstd_result widgetDelete(void** object);
-
-kstd_result destroySharedWidget(kstd_shared* shared) {
-    void* whole = shared->whole;
-    return widgetDelete(&whole);
-}
-
-constexpr kstd_sharedCustom widgetCounting{destroySharedWidget, nullptr, nullptr};
-
-kstd_result widgetConstruct(void* object) {
-    if (calls.constructAttempts++ == calls.failConstructAt) return injectedFailure;
-    auto* widget = static_cast<Widget*>(object);
-    std::memset(widget, 0, sizeof(Widget));
-    kstd_shared_initCustom(&widget->header, widget, &widgetCounting);
-    kstd_vector32s_construct(&widget->values);
-    ++calls.constructed;
-    return 0;
-}
+// The client template makes the widget a shared object; construct, assign and
+// destruct count their calls (newObject and deleteObject go through them).
+struct WidgetTraits {
+    static constexpr const char16_t* name = u"TestWidget";
+    static kstd_result construct(Widget& widget) {
+        if (calls.constructAttempts++ == calls.failConstructAt) return injectedFailure;
+        ++calls.constructed;
+        return kstd_vector32s_construct(&widget.values);
+    }
+    static kstd_result destruct(Widget& widget) {
+        if (calls.destructAttempts++ == calls.failDestructAt) return injectedFailure;
+        ++calls.destructed;
+        return kstd_vector32s_destruct(&widget.values);
+    }
+};
+using WidgetOperations = vexpers::client::ObjectOperations<Widget, WidgetTraits>;
 
 kstd_result widgetAssign(void* object, const void* source) {
     auto* widget = static_cast<Widget*>(object);
@@ -43,54 +41,13 @@ kstd_result widgetAssign(void* object, const void* source) {
     return kstd_vector32s_assign(&widget->values, &from->values);
 }
 
-kstd_result widgetDestruct(void* object) {
-    if (calls.destructAttempts++ == calls.failDestructAt) return injectedFailure;
-    kstd_vector32s_destruct(&static_cast<Widget*>(object)->values);
-    ++calls.destructed;
-    return 0;
-}
+constexpr kstd_persistentObjectVtable widgetObjects{
+    sizeOf<Widget>, WidgetOperations::construct, nullptr,   widgetAssign, WidgetOperations::destruct,
+    noOp,           WidgetOperations::newObject, noOpClone, WidgetOperations::deleteObject};
 
-kstd_result widgetNew(void** object) {
-    if (*object != nullptr)
-        if (kstd_result result = widgetDelete(object); result < 0) return result;
-    void* memory = nullptr;
-    if (kstd_result result = ksys_memory_alloc_internal(sizeof(Widget), &memory); result < 0) return result;
-    if (kstd_result result = widgetConstruct(memory); result < 0) {
-        ksys_memory_free_internal(&memory);
-        return result;
-    }
-    *object = memory;
-    return 0;
-}
-
-kstd_result widgetDelete(void** object) {
-    if (*object == nullptr) return 0;
-    if (kstd_result result = widgetDestruct(*object); result < 0) return result;
-    return ksys_memory_free_internal(object);
-}
-
-// Construct, assign and destruct count their calls; newObject and
-// deleteObject go through them.
-constexpr kstd_persistentObjectVtable widgetObjects{sizeOf<Widget>, widgetConstruct, nullptr,   widgetAssign,
-                                                    widgetDestruct, noOp,            widgetNew, noOpClone,
-                                                    widgetDelete};
-
-// ---- Widget: interface query and value access ------------------------------------
+// ---- Widget: value access -------------------------------------------------------------
 
 const Widget& widgetOf(const void* object) { return *static_cast<const Widget*>(object); }
-
-kstd_result widgetQuery(void* object, const char16_t* name, void** result) {
-    *result = nullptr;
-    if (std::u16string(name) == u"kstd_shared") *result = &static_cast<Widget*>(object)->header;
-    return 0;
-}
-
-kstd_result widgetTypename(const void*, const char16_t** name) {
-    *name = u"TestWidget";
-    return 0;
-}
-
-constexpr kstd_typeDescriptorMinimalVtable widgetMinimal{widgetQuery, widgetTypename};
 
 kstd_result widgetSetProperty(void*, const char16_t* name, const kstd_persistentVariant*) {
     ++calls.setProperty;
@@ -111,30 +68,7 @@ constexpr kstd_persistentValueAccessVtable widgetAccess{nullptr, nullptr, nullpt
 
 // ---- Box: a container of int32 items -----------------------------------------------
 
-kstd_result boxResize(void* container, int64_t count) {
-    if (count < 0 || count > 8) return kstd_persistentResult_invalidCount;
-    static_cast<Box*>(container)->count = static_cast<intptr_t>(count);
-    return 0;
-}
-kstd_result boxSize(const void* container, intptr_t* count) {
-    *count = static_cast<const Box*>(container)->count;
-    return 0;
-}
-kstd_result boxBegin(void* container, void** first) {
-    *first = static_cast<Box*>(container)->items;
-    return 0;
-}
-kstd_result int32Layout(uint32_t* isContiguous, uint32_t* stride) {
-    *isContiguous = 1;
-    *stride = 4;
-    return 0;
-}
-kstd_result int32Next(void*, void** element) {
-    *element = static_cast<int32_t*>(*element) + 1;
-    return 0;
-}
-
-constexpr kstd_persistentContainerVtable boxTable{boxResize, boxSize, boxBegin, int32Layout, int32Next, nullptr};
+using BoxOperations = ListOperations<Box, int32_t, 8>;
 
 kstd_result registerNothing() { return 0; }
 
@@ -191,8 +125,8 @@ kstd_result vectorBegin(void* container, void** first) {
     *first = begin;
     return result;
 }
-constexpr kstd_persistentContainerVtable vectorTable{vectorResize, vectorSize, vectorBegin, int32Layout, int32Next,
-                                                     nullptr};
+constexpr kstd_persistentContainerVtable vectorTable{vectorResize,          vectorSize,          vectorBegin,
+                                                     BoxOperations::layout, BoxOperations::next, nullptr};
 
 kstd_result locateValues(void* object, void** first, void** second) {
     *first = &static_cast<Widget*>(object)->values;
@@ -270,16 +204,16 @@ ModuleTypes registerModule() {
                                                     &innerProperties, 0, &r.innerFlag, &r.inner),
               0);
     EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"TestWidget", &widgetObjects, &widgetAccess,
-                                                           &widgetProperties, &widgetMinimal, 0, &r.widgetFlag,
+                                                           &widgetProperties, &WidgetOperations::minimal, 0, &r.widgetFlag,
                                                            &r.widget),
               0);
     EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectContainer(u"TestBox", &objectTableOf<Box>, &valueAccessTable,
-                                                             nullptr, &boxTable, u"k_Int32",
+                                                             nullptr, &BoxOperations::table, u"k_Int32",
                                                              kstd_persistentTypeRegisterType_k_Int32, 0, &r.boxFlag,
                                                              &r.box),
               0);
     EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectContainer(u"TestLooseBox", &objectTableOf<Box>, &valueAccessTable,
-                                                             nullptr, &boxTable, u"TestNeverRegisteredItem",
+                                                             nullptr, &BoxOperations::table, u"TestNeverRegisteredItem",
                                                              registerNothing, 0, &r.looseBoxFlag, &r.looseBox),
               0);
     EXPECT_EQ(kstd_persistentTypeRegisterTypeObject(u"TestBroken", &objectTableOf<Widget>, &valueAccessTable,
@@ -290,7 +224,7 @@ ModuleTypes registerModule() {
 
 }  // namespace
 
-const kstd_persistentContainerVtable* boxOperations() { return &boxTable; }
+const kstd_persistentContainerVtable* boxOperations() { return &BoxOperations::table; }
 
 const ModuleTypes& moduleTypes() {
     static const ModuleTypes types = registerModule();

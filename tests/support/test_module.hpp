@@ -39,7 +39,7 @@ struct Box {
 
 // Calls of the widget's operations. A construct or destruct whose attempt
 // number (from 0, counted since the last reset) equals failAt fails with
-// injectedFailure and changes nothing.
+// injectedFailure and constructs or destroys nothing.
 struct WidgetCalls {
     int constructAttempts = 0;
     int destructAttempts = 0;

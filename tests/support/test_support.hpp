@@ -61,6 +61,17 @@ private:
     int64_t start_;
 };
 
+// Expects, when it goes, that no block allocated since it was made is left;
+// declare it before the records whose memory it checks.
+struct NoLeaks : LiveBlockCheck {
+    NoLeaks(const char* file = __builtin_FILE(), int line = __builtin_LINE()) : file_(file), line_(line) {}
+    ~NoLeaks() {
+        if (leaked() != 0) ADD_FAILURE_AT(file_, line_) << leaked() << " blocks leaked in this scope";
+    }
+    const char* file_;
+    int line_;
+};
+
 // Allocation-failure sweep. Runs `scenario` once cleanly and counts its
 // allocations A; then, for k = 1..A (and on while the k-th allocation is
 // still reached: growing reallocations count as well), runs it with the k-th
@@ -138,6 +149,35 @@ inline constexpr kstd_persistentObjectVtable objectTableOf{sizeOf<T>, nullptr, n
 inline constexpr const kstd_persistentObjectVtable& objectTable = objectTableOf<int32_t>;
 inline constexpr kstd_persistentValueAccessVtable valueAccessTable{};
 inline constexpr kstd_persistentValueAccessVtable bitfieldValueAccessTable{};
+
+// The operations of a container `C` that holds up to `Capacity` items of
+// type `I` in `items`, `count` of them in use.
+template <class C, class I, int64_t Capacity>
+struct ListOperations {
+    static kstd_result resize(void* container, int64_t count) {
+        if (count < 0 || count > Capacity) return kstd_persistentResult_invalidCount;
+        static_cast<C*>(container)->count = static_cast<intptr_t>(count);
+        return 0;
+    }
+    static kstd_result size(const void* container, intptr_t* count) {
+        *count = static_cast<const C*>(container)->count;
+        return 0;
+    }
+    static kstd_result begin(void* container, void** first) {
+        *first = static_cast<C*>(container)->items;
+        return 0;
+    }
+    static kstd_result layout(uint32_t* isContiguous, uint32_t* stride) {
+        *isContiguous = 1;
+        *stride = sizeof(I);
+        return 0;
+    }
+    static kstd_result next(void*, void** element) {
+        *element = static_cast<I*>(*element) + 1;
+        return 0;
+    }
+    static constexpr kstd_persistentContainerVtable table{resize, size, begin, layout, next, nullptr};
+};
 
 // Accessor words of a declared property: `word` makes one of a function,
 // `accessors` puts each at its index.

@@ -24,16 +24,10 @@ struct Thing {
     int64_t shade;
 };
 
-template <auto Member>
-kstd_result memberOf(const void* object, const void** member) {
-    *member = &(static_cast<const Thing*>(object)->*Member);
-    return 0;
-}
-
-kstd_persistentPropertyAccessors addressAccessor(kstd_result (*address)(const void*, const void**)) {
-    kstd_persistentPropertyAccessors result{};
-    result.words[4] = reinterpret_cast<const void*>(address);
-    return result;
+// Members are stored by address.
+template <size_t Offset>
+kstd_persistentPropertyAccessors addressAccessor() {
+    return vexpers::client::accessors({{4, vexpers::client::word(vexpers::client::addressAt<Offset>)}});
 }
 
 // The enum that every registered Thing refers to, registered once.
@@ -41,9 +35,9 @@ uint32_t shadeFlag = 0, shadeBitsFlag = 0;
 kstd_persistentType shadeType, shadeBitsType;
 
 const kstd_persistentPropertyInfoDefinition thingDefinitions[]{
-    {u"number", 2, u"k_Int32", 0, addressAccessor(memberOf<&Thing::number>)},
-    {u"ratio", 2, u"double", 0, addressAccessor(memberOf<&Thing::ratio>)},
-    {u"shade", 2, u"SweepShade", 0, addressAccessor(memberOf<&Thing::shade>)},
+    {u"number", 2, u"k_Int32", 0, addressAccessor<offsetof(Thing, number)>()},
+    {u"ratio", 2, u"double", 0, addressAccessor<offsetof(Thing, ratio)>()},
+    {u"shade", 2, u"SweepShade", 0, addressAccessor<offsetof(Thing, shade)>()},
 };
 const kstd_persistentStaticPropertyList thingProperties{thingDefinitions, 3};
 

@@ -33,11 +33,6 @@ std::u16string nameOf(const TreeNode* node) {
     return name != nullptr ? std::u16string(name) : std::u16string(u"(null)");
 }
 
-int64_t liveNodes(const kstd_persistentPropertyTree* tree) {
-    int64_t count = -1;
-    kstd_blockAllocator_getLiveCount(&tree->nodeAllocator, &count);
-    return count;
-}
 
 class NodeProtocolTest : public ::testing::Test {
 protected:
@@ -50,16 +45,13 @@ protected:
             kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(info, name, name, 0, 2);
     }
 
-    // A top-level node started from `section`, or from a start section named "top".
-    TreeNode* started() {
+    // A top-level node started from a start section named "top".
+    TreeNode* startedTop() {
         TreeNode* top = nullptr;
+        startSection(section, u"top");
         EXPECT_EQ(kstd_persistentPropertyTree_allocNextChild(tree, &top), 0);
         EXPECT_EQ(kstd_persistentPropertyNode_startNode(top, section), 0);
         return top;
-    }
-    TreeNode* startedTop() {
-        startSection(section, u"top");
-        return started();
     }
 
     NoLeaks leaks;  // checked after the tree and the section go
@@ -96,7 +88,7 @@ TEST_F(NodeProtocolTest, SectionsOutOfOrderFailAndChangeNothing) {
     ASSERT_EQ(kstd_persistentPropertyNode_startAndEndLeafNode(leaf, section), 0);
     EXPECT_EQ(kstd_persistentPropertyNode_endNode(leaf), 0);
     EXPECT_EQ(faults.count(), 0);
-    EXPECT_EQ(liveNodes(tree), 3);
+    EXPECT_EQ(outOf<int64_t>(0, kstd_blockAllocator_getLiveCount, &tree->nodeAllocator), 3);
 }
 
 TEST_F(NodeProtocolTest, SectionsNoWriterMakesGiveCodesNotFaults) {

@@ -75,15 +75,13 @@ TEST(ProcessorBagWalk, LeafAndObjectPropertiesSendTheirEventsInOrderAndFailuresS
     EXPECT_EQ(failing.events.size(), 4u);
 
     // A vector's items are a non-empty array, which a bag walk cannot expand.
-    kstd_vector32s vector;
-    kstd_vector32s_construct(&vector);
-    kstd_vector32s_pushBack(&vector, 1);
+    Owned<kstd_vector32s, kstd_vector32s_construct, kstd_vector32s_destruct> vector;
+    kstd_vector32s_pushBack(vector, 1);
     Bag bag;
-    ASSERT_EQ(kstd_persistentPropertyBag_addValue_kstd_vector32s(bag, u"v", 2, &vector), 0);
+    ASSERT_EQ(kstd_persistentPropertyBag_addValue_kstd_vector32s(bag, u"v", 2, vector), 0);
     BagRecorder refused;
     EXPECT_EQ(kstd_persistentPropertyProcessor_processPropertyBag(processor, bag, BagRecorder::visit, &refused),
               kstd_persistentResult_notSupported);
-    kstd_vector32s_destruct(&vector);
 }
 
 TEST(ProcessorNodeWalk, CompoundNodeWithoutChildrenAndNegativeDepthAreRefused) {

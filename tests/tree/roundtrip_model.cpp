@@ -1,5 +1,6 @@
 #include "tree/roundtrip_model.hpp"
 
+#include <array>
 #include <atomic>
 #include <cstring>
 #include <iterator>
@@ -16,108 +17,78 @@ std::atomic<int64_t> live{0};
 using vexpers::client::loadAt;
 using vexpers::client::member;
 
-// ---- Object life cycles: construct and destruct per type, the rest from templates ----------
+// ---- Object life cycles ---------------------------------------------------------------
+// Node and Link are shared client objects (the client template gives their
+// operations); Box and Item are plain ones.
+
+// The shared pointers a node holds (its view aside).
+std::array<kstd_ptrh*, 6> linksOf(Node* node) {
+    Item* items = node->items.items;
+    return {&node->next, &node->other, &items[0].link, &items[1].link, &items[2].link, &items[3].link};
+}
 
 template <class T>
-constexpr const char16_t* nameOf = nullptr;
+struct Traits;
+template <class T>
+using Shared = vexpers::client::ObjectOperations<T, Traits<T>>;
+
 template <>
-constexpr const char16_t* nameOf<Node> = u"RtNode";
-template <>
-constexpr const char16_t* nameOf<Link> = u"RtLink";
-
-template <class T>
-kstd_result deleteObject(void** object);
-template <class T>
-kstd_result destroyShared(kstd_shared* shared) {
-    void* whole = shared->whole;
-    return deleteObject<T>(&whole);
-}
-template <class T>
-kstd_result sharedName(const kstd_shared*, const char16_t** name) {
-    *name = nameOf<T>;
-    return 0;
-}
-template <class T>
-kstd_result objectName(const void*, const char16_t** name) {
-    *name = nameOf<T>;
-    return 0;
-}
-template <class T>
-kstd_result sharedHeader(void* object, const char16_t* name, void** result) {
-    *result = std::u16string(name) == u"kstd_shared" ? &static_cast<T*>(object)->header : nullptr;
-    return 0;
-}
-template <class T>
-constexpr kstd_sharedCustom counting{destroyShared<T>, nullptr, nullptr};
-// Shared pointers name their pointee's type by the shared object's name.
-template <class T>
-constexpr kstd_sharedTyped typed{kstd_shared_queryInterfaceByTypenameFinal, sharedName<T>};
-template <class T>
-constexpr kstd_typeDescriptorMinimalVtable minimal{sharedHeader<T>, objectName<T>};
-
-kstd_result construct(Node* node) {
-    std::memset(node, 0, sizeof(Node));
-    void* items = nullptr;
-    RT_TRY(ksys_memory_alloc_internal(4 * sizeof(Item), &items));
-    std::memset(items, 0, 4 * sizeof(Item));
-    node->items.items = static_cast<Item*>(items);
-    RT_TRY(kstd_shared_initCustomTyped(&node->header, node, &counting<Node>, &typed<Node>));
-    RT_TRY(kstd_unicodeString_construct(&node->name));
-#define RT_CONSTRUCT(field, vector, element) RT_TRY(vector##_construct(&node->field));
-    RT_SCALAR_VECTORS(RT_CONSTRUCT)
+struct Traits<Node> {
+    static constexpr const char16_t* name = u"RtNode";
+    static kstd_result construct(Node& node) {
+        void* items = nullptr;
+        RT_TRY(ksys_memory_alloc_internal(4 * sizeof(Item), &items));
+        std::memset(items, 0, 4 * sizeof(Item));
+        node.items.items = static_cast<Item*>(items);
+        RT_TRY(kstd_unicodeString_construct(&node.name));
+#define RT_CONSTRUCT(field, vector, element) RT_TRY(vector##_construct(&node.field));
+        RT_SCALAR_VECTORS(RT_CONSTRUCT)
 #undef RT_CONSTRUCT
-    RT_TRY(kstd_vector_kstd_unicodeString_construct(&node->vstr));
-    // An empty pointer still names the type it points at.
-    for (kstd_ptrh* p : {&node->next, &node->other, &node->items.items[0].link, &node->items.items[1].link,
-                         &node->items.items[2].link, &node->items.items[3].link})
-        RT_TRY(kstd_ptrh_constructBaseTypename(p, nullptr, u"RtNode"));
-    RT_TRY(kstd_ptrhConst_constructBaseTypename(&node->view, nullptr, u"RtNode"));
-    ++live;
-    return 0;
-}
-
-kstd_result destruct(Node* node) {
-    kstd_unicodeString_destruct(&node->name);
-#define RT_DESTRUCT(field, vector, element) vector##_destruct(&node->field);
-    RT_SCALAR_VECTORS(RT_DESTRUCT)
+        RT_TRY(kstd_vector_kstd_unicodeString_construct(&node.vstr));
+        // An empty pointer still names the type it points at.
+        for (kstd_ptrh* p : linksOf(&node)) RT_TRY(kstd_ptrh_constructBaseTypename(p, nullptr, u"RtNode"));
+        RT_TRY(kstd_ptrhConst_constructBaseTypename(&node.view, nullptr, u"RtNode"));
+        ++live;
+        return 0;
+    }
+    static kstd_result destruct(Node& node) {
+        kstd_unicodeString_destruct(&node.name);
+#define RT_DESTRUCT(field, vector, element) vector##_destruct(&node.field);
+        RT_SCALAR_VECTORS(RT_DESTRUCT)
 #undef RT_DESTRUCT
-    kstd_vector_kstd_unicodeString_destruct(&node->vstr);
-    for (kstd_ptrh* p : {&node->next, &node->other, &node->items.items[0].link, &node->items.items[1].link,
-                         &node->items.items[2].link, &node->items.items[3].link})
-        kstd_ptrh_destruct(p);
-    kstd_ptrhConst_destruct(&node->view);
-    void* items = node->items.items;
-    --live;
-    return ksys_memory_free_internal(&items);
-}
+        kstd_vector_kstd_unicodeString_destruct(&node.vstr);
+        for (kstd_ptrh* p : linksOf(&node)) kstd_ptrh_destruct(p);
+        kstd_ptrhConst_destruct(&node.view);
+        void* items = node.items.items;
+        --live;
+        return ksys_memory_free_internal(&items);
+    }
+};
 
-kstd_result construct(Link* link) {
-    std::memset(link, 0, sizeof(Link));
-    RT_TRY(kstd_shared_initCustomTyped(&link->header, link, &counting<Link>, &typed<Link>));
-    ++live;
-    return kstd_ptrh_constructBaseTypename(&link->next, nullptr, u"RtLink");
-}
-kstd_result destruct(Link* link) {
-    --live;
-    return kstd_ptrh_destruct(&link->next);
-}
+template <>
+struct Traits<Link> {
+    static constexpr const char16_t* name = u"RtLink";
+    static kstd_result construct(Link& link) {
+        ++live;
+        return kstd_ptrh_constructBaseTypename(&link.next, nullptr, u"RtLink");
+    }
+    static kstd_result destruct(Link& link) {
+        --live;
+        return kstd_ptrh_destruct(&link.next);
+    }
+};
 
+// Boxes are plain data; an item holds a pointer.
 kstd_result construct(Item* item) {
     item->weight = 0;
     return kstd_ptrh_constructBaseTypename(&item->link, nullptr, u"RtNode");
 }
 kstd_result destruct(Item* item) { return kstd_ptrh_destruct(&item->link); }
-
-// Boxes are plain data.
-template <class T>
-kstd_result construct(T* object) {
-    std::memset(object, 0, sizeof(T));
+kstd_result construct(Box* box) {
+    *box = Box{};
     return 0;
 }
-template <class T>
-kstd_result destruct(T*) {
-    return 0;
-}
+kstd_result destruct(Box*) { return 0; }
 
 template <class T>
 kstd_result constructAt(void* object) {
@@ -141,18 +112,16 @@ kstd_result newObject(void** object) {
     if (result < 0) ksys_memory_free_internal(object);
     return result;
 }
-kstd_result notOffered(void*, const void*) { return kstd_persistentResult_notSupported; }
-kstd_result notOffered(void*) { return kstd_persistentResult_notSupported; }
-kstd_result notOfferedClone(void**, const void*) { return kstd_persistentResult_notSupported; }
+using Plain = Shared<Link>;  // its refusals of copies serve the plain types too
 template <class T>
-constexpr kstd_persistentObjectVtable objects{sizeOf<T>,   constructAt<T>, notOffered,      notOffered, destructAt<T>,
-                                              notOffered,  newObject<T>,   notOfferedClone, deleteObject<T>};
+constexpr kstd_persistentObjectVtable objects{sizeOf<T>,         constructAt<T>, Plain::notOffered,
+                                              Plain::notOffered, destructAt<T>,  Plain::notOffered,
+                                              newObject<T>,      Plain::notOfferedClone, deleteObject<T>};
 
 template <class T>
 void newShared(kstd_ptrh* pointer) {
-    void* object = nullptr;
-    ASSERT_EQ(newObject<T>(&object), 0);
-    ASSERT_EQ(kstd_ptrh_assignShared(pointer, &static_cast<T*>(object)->header), 0);
+    T* object = nullptr;
+    ASSERT_EQ(Shared<T>::make(pointer, &object), 0);
 }
 
 // ---- Accessors that are not members by address --------------------------------------------
@@ -168,32 +137,10 @@ kstd_result bitsValue(const void* object, uint64_t* value) {
 
 // The container of object items inside Node, and its load entry: one item
 // from each child of the array's node.
-kstd_result listResize(void* container, int64_t count) {
-    if (count < 0 || count > 4) return kstd_persistentResult_invalidCount;
-    static_cast<ItemList*>(container)->count = static_cast<intptr_t>(count);
-    return 0;
-}
-kstd_result listSize(const void* container, intptr_t* count) {
-    *count = static_cast<const ItemList*>(container)->count;
-    return 0;
-}
-kstd_result listBegin(void* container, void** first) {
-    *first = static_cast<ItemList*>(container)->items;
-    return 0;
-}
-kstd_result itemLayout(uint32_t* isContiguous, uint32_t* stride) {
-    *isContiguous = 1;
-    *stride = sizeof(Item);
-    return 0;
-}
-kstd_result itemNext(void*, void** element) {
-    *element = static_cast<Item*>(*element) + 1;
-    return 0;
-}
-constexpr kstd_persistentContainerVtable listTable{listResize, listSize, listBegin, itemLayout, itemNext, nullptr};
+using ListTable = ListOperations<ItemList, Item, 4>;
 kstd_result locateItems(void* object, void** first, void** second) {
     *first = &static_cast<Node*>(object)->items;
-    *second = const_cast<kstd_persistentContainerVtable*>(&listTable);
+    *second = const_cast<kstd_persistentContainerVtable*>(&ListTable::table);
     return 0;
 }
 kstd_result loadItems(void*, void* first, void*, const kstd_persistentType* arrayType,
@@ -202,7 +149,7 @@ kstd_result loadItems(void*, void* first, void*, const kstd_persistentType* arra
     int64_t count = 0;
     for (const kstd_persistentPropertyNode* child = node->firstChild; child != nullptr; child = child->nextSibling)
         ++count;
-    RT_TRY(listResize(list, count));
+    RT_TRY(ListTable::resize(list, count));
     Type itemType;
     RT_TRY(kstd_persistentType_assignDifferentDerivation(itemType, arrayType, 0));
     Item* item = list->items;
@@ -299,11 +246,13 @@ Types registerModule() {
     EXPECT_EQ(registerColor(), 0);
     EXPECT_EQ(registerBox(), 0);
     EXPECT_EQ(registerItem(), 0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtLink", &objects<Link>, &linkAccess, &linkProperties,
-                                                           &minimal<Link>, 0, &registered.linkFlag, &registered.link),
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtLink", &Shared<Link>::objects, &linkAccess,
+                                                           &linkProperties, &Shared<Link>::minimal, 0,
+                                                           &registered.linkFlag, &registered.link),
               0);
-    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtNode", &objects<Node>, &emptyAccess, &nodeProperties,
-                                                           &minimal<Node>, 0, &registered.nodeFlag, &registered.node),
+    EXPECT_EQ(kstd_persistentTypeRegisterTypeObjectDynamic(u"RtNode", &Shared<Node>::objects, &emptyAccess,
+                                                           &nodeProperties, &Shared<Node>::minimal, 0,
+                                                           &registered.nodeFlag, &registered.node),
               0);
     for (kstd_persistentType* type : {&registered.ptrh, &registered.boxPointer}) kstd_persistentType_construct(type);
     EXPECT_EQ(kstd_persistentTypeGetType_kstd_ptrh(&registered.ptrh, 1), 0);
@@ -364,20 +313,14 @@ void newChain(kstd_ptrh* head, int32_t length) {
     linkOf(tail.v)->value = -1;
 }
 
-Node* nodeOf(const kstd_ptrh& pointer) {
-    return pointer.shared != nullptr ? static_cast<Node*>(pointer.shared->whole) : nullptr;
-}
-Link* linkOf(const kstd_ptrh& pointer) {
-    return pointer.shared != nullptr ? static_cast<Link*>(pointer.shared->whole) : nullptr;
-}
+Node* nodeOf(const kstd_ptrh& pointer) { return vexpers::client::objectOf<Node>(pointer); }
+Link* linkOf(const kstd_ptrh& pointer) { return vexpers::client::objectOf<Link>(pointer); }
 int64_t liveObjects() { return live.load(); }
 std::vector<AfterLoad>& linkAfterLoads() { return afterLoads; }
 
 void unlinkNode(Node* node) {
-    kstd_ptrh_reset(&node->next);
-    kstd_ptrh_reset(&node->other);
+    for (kstd_ptrh* p : linksOf(node)) kstd_ptrh_reset(p);
     kstd_ptrhConst_reset(&node->view);
-    for (int i = 0; i < 4; ++i) kstd_ptrh_reset(&node->items.items[i].link);
 }
 
 void releaseChain(kstd_ptrh* head) {

@@ -107,13 +107,6 @@ using Processor = Owned<kstd_persistentPropertyProcessor, kstd_persistentPropert
 using Info = Owned<kstd_persistentPropertyInfo, kstd_persistentPropertyInfo_construct,
                    kstd_persistentPropertyInfo_destruct>;
 
-// Expects, when it goes, that no block allocated since it was made is left;
-// declare it before the records whose memory it checks.
-struct NoLeaks {
-    LiveBlockCheck check;
-    ~NoLeaks() { EXPECT_EQ(check.leaked(), 0); }
-};
-
 // A heap node held by one new reference in `pointer`.
 void newNode(kstd_ptrh* pointer);
 // A chain of `length` links; link i holds i, the last one -1.

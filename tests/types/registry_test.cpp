@@ -175,15 +175,18 @@ TEST(Registry, EnumsWithAndWithoutBitfieldForm) {
     EXPECT_EQ(kstd_persistentTypeGetType(u"PlainEnum", 4, 1, type), C8);
 }
 
+// A container table with every operation registration requires.
+constexpr kstd_persistentContainerVtable containerTable{
+    [](void*, int64_t) -> kstd_result { return 0; }, [](const void*, intptr_t*) -> kstd_result { return 0; },
+    [](void*, void**) -> kstd_result { return 0; },  [](uint32_t*, uint32_t*) -> kstd_result { return 0; },
+    [](void*, void**) -> kstd_result { return 0; },  nullptr};
+
 TEST(Registry, FailedChecksLeaveTheFlagAtZero) {
     Target& target = newTarget();
     kstd_persistentObjectVtable noDelete = objectTable;
     noDelete.deleteObject = nullptr;
-    auto resize = [](void*, int64_t) -> kstd_result { return 0; };
-    auto size = [](const void*, intptr_t*) -> kstd_result { return 0; };
-    auto begin = [](void*, void**) -> kstd_result { return 0; };
-    auto layout = [](uint32_t*, uint32_t*) -> kstd_result { return 0; };
-    static const kstd_persistentContainerVtable noNext{resize, size, begin, layout, nullptr, nullptr};
+    kstd_persistentContainerVtable noNext = containerTable;
+    noNext.getNextElement = nullptr;
     auto registerItem = []() -> kstd_result { return 0; };
     const auto* access = &valueAccessTable;
     uint32_t* flag = &target.flag;
@@ -248,10 +251,6 @@ kstd_result registerMemberB() {
 TEST(Registry, NestedRegistrationsOfMembersAndItems) {
     nestedItem = &newTarget();
     Target& target = newTarget();
-    static const kstd_persistentContainerVtable container{
-        [](void*, int64_t) -> kstd_result { return 0; }, [](const void*, intptr_t*) -> kstd_result { return 0; },
-        [](void*, void**) -> kstd_result { return 0; },  [](uint32_t*, uint32_t*) -> kstd_result { return 0; },
-        [](void*, void**) -> kstd_result { return 0; },  nullptr};
     static kstd_persistentPropertyInfoDefinition definitions[3]{
         {u"a", 2, u"int", 0, {}}, {u"skipped", 2, u"int", 0, {}}, {u"b", 2, u"int", 0, {}}};
     definitions[0].accessors.slots.entryTypeRegistration = registerMemberA;
@@ -259,7 +258,7 @@ TEST(Registry, NestedRegistrationsOfMembersAndItems) {
     static const kstd_persistentStaticPropertyList list{definitions, 3};
 
     ASSERT_EQ(kstd_persistentTypeRegisterTypeObjectContainer(u"NestedContainer", &objectTable, &valueAccessTable,
-                                                             &list, &container, u"NestedItem", registerItemType, 0,
+                                                             &list, &containerTable, u"NestedItem", registerItemType, 0,
                                                              &target.flag, &target.handle),
               0);
     EXPECT_EQ(registrationOrder, (std::vector<std::u16string>{u"a", u"b", u"item"}));

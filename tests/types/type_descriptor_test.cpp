@@ -82,15 +82,12 @@ TEST(TypeDescriptor, HandlesShareOneRecord) {
         Type name;  // the interned name stays
         ASSERT_EQ(kstd_persistentType_resetTypeName(name, u"AHandleOnlyName"), 0);
     }
-    LiveBlockCheck leaks;
-    {
-        Type first, copy;
-        ASSERT_EQ(kstd_persistentType_resetTypeName(first, u"AHandleOnlyName"), 0);
-        ASSERT_EQ(kstd_persistentType_assign(copy, first), 0);
-        EXPECT_EQ(recordOf(copy), recordOf(first));
-        EXPECT_EQ(outOf<int32_t>(0, kstd_shared_getReferenceCount, &recordOf(first)->header), 2);
-    }
-    EXPECT_EQ(leaks.leaked(), 0);
+    NoLeaks leaks;
+    Type first, copy;
+    ASSERT_EQ(kstd_persistentType_resetTypeName(first, u"AHandleOnlyName"), 0);
+    ASSERT_EQ(kstd_persistentType_assign(copy, first), 0);
+    EXPECT_EQ(recordOf(copy), recordOf(first));
+    EXPECT_EQ(outOf<int32_t>(0, kstd_shared_getReferenceCount, &recordOf(first)->header), 2);
 }
 
 }  // namespace

@@ -30,7 +30,11 @@ Fill core(int32_t id, uint32_t derivation = 0) {
     return [=](kstd_persistentVariant* v) { holdCore(v, id, derivation); };
 }
 Fill handMade(uint32_t category, uint32_t derivation) {
-    return [=](kstd_persistentVariant* v) { holdHandMade(v, category, derivation); };
+    return [=](kstd_persistentVariant* v) {
+        Type type;
+        handMadeType(type, category, derivation);
+        ASSERT_EQ(kstd_persistentVariant_resetType(v, type), 0);
+    };
 }
 Fill bits(const kstd_persistentType* type, uint64_t value) {
     return [=](kstd_persistentVariant* v) {

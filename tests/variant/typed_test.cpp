@@ -79,35 +79,32 @@ TEST(VariantTyped, BooleansAndRefusedCharacters) {
 }
 
 TEST(VariantTyped, StringsAreSharedNotCopied) {
-    LiveBlockCheck leaks;
-    {
-        Variant v;
-        ASSERT_EQ(kstd_persistentVariant_setValueStringW(v, u"h\u00e9llo"), 0);
-        SharedText shared, text;
-        const int64_t before = allocations();
-        ASSERT_EQ(kstd_persistentVariant_getValue_kstd_unicodeStringConst(v, shared), 0);
-        EXPECT_EQ(allocations(), before);
-        EXPECT_EQ(shared->chars, v->stringValue.chars);
-        EXPECT_EQ(outOf<int32_t>(CA, kstd_persistentVariant_getValue_k_Int32, v), 0);  // texts are not parsed
+    NoLeaks leaks;
+    Variant v;
+    ASSERT_EQ(kstd_persistentVariant_setValueStringW(v, u"h\u00e9llo"), 0);
+    SharedText shared, text;
+    const int64_t before = allocations();
+    ASSERT_EQ(kstd_persistentVariant_getValue_kstd_unicodeStringConst(v, shared), 0);
+    EXPECT_EQ(allocations(), before);
+    EXPECT_EQ(shared->chars, v->stringValue.chars);
+    EXPECT_EQ(outOf<int32_t>(CA, kstd_persistentVariant_getValue_k_Int32, v), 0);  // texts are not parsed
 
-        // A clone, owned by the caller.
-        char* utf8 = outOf<char*>(0, kstd_persistentVariant_getValueCloneStringA, v);
-        EXPECT_STREQ(utf8, "h\xc3\xa9llo");
-        freeBlock(utf8);
+    // A clone, owned by the caller.
+    char* utf8 = outOf<char*>(0, kstd_persistentVariant_getValueCloneStringA, v);
+    EXPECT_STREQ(utf8, "h\xc3\xa9llo");
+    freeBlock(utf8);
 
-        // Null stays null, in the variant and in the clones (cleared first).
-        ASSERT_EQ(kstd_persistentVariant_setValueString32(v, nullptr), 0);
-        EXPECT_EQ(coreTypeIdOf(v), kstd_persistentCoreTypeId_string32);
-        EXPECT_EQ(outOf<char16_t*>(0, kstd_persistentVariant_getValueCloneString16, v), nullptr);
+    // Null stays null, in the variant and in the clones (cleared first).
+    ASSERT_EQ(kstd_persistentVariant_setValueString32(v, nullptr), 0);
+    EXPECT_EQ(coreTypeIdOf(v), kstd_persistentCoreTypeId_string32);
+    EXPECT_EQ(outOf<char16_t*>(0, kstd_persistentVariant_getValueCloneString16, v), nullptr);
 
-        // Characters and non-values have no string.
-        ASSERT_EQ(kstd_persistentVariant_resetCoreTypeId(v, kstd_persistentCoreTypeId_k_Char16), 0);
-        EXPECT_EQ(kstd_persistentVariant_getValue_kstd_unicodeStringConst(v, text), CA);
-        holdCore(v, kstd_persistentCoreTypeId_stringW, kstd_persistentTypeDerivation_pointer);
-        EXPECT_EQ(kstd_persistentVariant_getValue_kstd_unicodeStringConst(v, text), CD);
-        EXPECT_EQ(text->chars, nullptr);
-    }
-    EXPECT_EQ(leaks.leaked(), 0);
+    // Characters and non-values have no string.
+    ASSERT_EQ(kstd_persistentVariant_resetCoreTypeId(v, kstd_persistentCoreTypeId_k_Char16), 0);
+    EXPECT_EQ(kstd_persistentVariant_getValue_kstd_unicodeStringConst(v, text), CA);
+    holdCore(v, kstd_persistentCoreTypeId_stringW, kstd_persistentTypeDerivation_pointer);
+    EXPECT_EQ(kstd_persistentVariant_getValue_kstd_unicodeStringConst(v, text), CD);
+    EXPECT_EQ(text->chars, nullptr);
 }
 
 TEST(VariantTyped, SetAndGetByCoreTypeDescriptor) {

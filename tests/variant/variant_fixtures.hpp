@@ -27,15 +27,10 @@ inline void handMadeType(Type& type, uint32_t category, uint32_t derivation) {
     ASSERT_EQ(kstd_ptrhConst_assignShared(&type->record, &record->header), 0);
 }
 
-// The variant holding a core type, or a hand-made one, and a zero value.
+// The variant holding a core type and a zero value.
 inline void holdCore(kstd_persistentVariant* v, int32_t id, uint32_t derivation = 0) {
     Type type;
     coreType(type, id, derivation);
-    ASSERT_EQ(kstd_persistentVariant_resetType(v, type), 0);
-}
-inline void holdHandMade(kstd_persistentVariant* v, uint32_t category, uint32_t derivation) {
-    Type type;
-    handMadeType(type, category, derivation);
     ASSERT_EQ(kstd_persistentVariant_resetType(v, type), 0);
 }
 
@@ -85,13 +80,10 @@ inline ::testing::Environment* const variantEnvironment =
 // The text form of the variant, or "(unchanged)" when the function left its
 // output as it found it (a text that no text form has).
 inline std::string textForm(const kstd_persistentVariant* variant, kstd_result* code) {
-    kstd_stringConst text;
-    EXPECT_EQ(kstd_stringConst_construct(&text), 0);
-    EXPECT_EQ(kstd_stringConst_assignString(&text, u"(unchanged)"), 0);
-    *code = kstd_persistentVariant_getValueAsString(variant, &text);
-    const std::string out = ascii(text.chars);
-    EXPECT_EQ(kstd_stringConst_destruct(&text), 0);
-    return out;
+    Owned<kstd_stringConst, kstd_stringConst_construct, kstd_stringConst_destruct> text;
+    EXPECT_EQ(kstd_stringConst_assignString(text, u"(unchanged)"), 0);
+    *code = kstd_persistentVariant_getValueAsString(variant, text);
+    return ascii(text->chars);
 }
 
 inline int64_t allocations() {
