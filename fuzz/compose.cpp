@@ -34,18 +34,18 @@ void composeInto(uint32_t target, const kstd_persistentPropertyNode* node, kstd_
         return;
     }
     Type type;
-    if (kstd_persistentTypeGetType(targets[target].typeName, targets[target].derivation, 1, &type.t) < 0)
+    if (kstd_persistentTypeGetType(targets[target].typeName, targets[target].derivation, 1, &type.r) < 0)
         fail("a type of the demo model is not registered");
     void* object = nullptr;
-    if (kstd_persistentType_newObject(&type.t, &object) >= 0) {
-        kstd_persistentType_loadPropertyNode(&type.t, object, node);
+    if (kstd_persistentType_newObject(&type.r, &object) >= 0) {
+        kstd_persistentType_loadPropertyNode(&type.r, object, node);
         vexpers::demo::unlinkRecorded(tree);
-        if (kstd_persistentType_deleteObject(&type.t, &object) < 0) fail("cannot delete a composed object");
+        if (kstd_persistentType_deleteObject(&type.r, &object) < 0) fail("cannot delete a composed object");
         return;
     }
     // Core values and enums have no object table: they load into plain memory.
     alignas(16) unsigned char value[64] = {};
-    kstd_persistentType_loadPropertyNode(&type.t, value, node);
+    kstd_persistentType_loadPropertyNode(&type.r, value, node);
     vexpers::demo::unlinkRecorded(tree);
 }
 
@@ -60,18 +60,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Tree tree;
     uint32_t format = 0;
     if (kfmt_detectFormat(rest, restSize, &format) >= 0) {
-        if (readTree(rest, restSize, format, (data[0] & 0x80) != 0 ? kfmt_flag_checkObjectIds : 0, &tree.t) < 0)
+        if (readTree(rest, restSize, format, (data[0] & 0x80) != 0 ? kfmt_flag_checkObjectIds : 0, &tree.r) < 0)
             return 0;
     } else {
         ByteReader input(rest, restSize);
-        applySectionStream(input, &tree.t);
+        applySectionStream(input, &tree.r);
     }
     int composed = 0;
-    for (kstd_persistentPropertyNode* node = tree.t.firstChild; node != nullptr && composed < 4;
+    for (kstd_persistentPropertyNode* node = tree.r.firstChild; node != nullptr && composed < 4;
          node = node->nextSibling, ++composed) {
         // Each composition starts from a registry without objects, as a reader leaves it.
-        kstd_persistentPropertyTree_forgetAllObjects(&tree.t);
-        composeInto(target, node, &tree.t);
+        kstd_persistentPropertyTree_forgetAllObjects(&tree.r);
+        composeInto(target, node, &tree.r);
     }
     return 0;
 }

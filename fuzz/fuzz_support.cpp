@@ -126,16 +126,16 @@ kstd_result readCoreValue(ByteReader& input, bool freeText, kstd_persistentVaria
         derivation = type.derivation;
     }
     Type type;
-    VEXPERS_TRY_FUZZ(kstd_persistentTypeGetType(typeName.c_str(), derivation, 0, &type.t));
+    VEXPERS_TRY_FUZZ(kstd_persistentTypeGetType(typeName.c_str(), derivation, 0, &type.r));
     switch (input.u8() % 4) {
         case 0:
-            return kstd_persistentVariant_setValueUsingType_k_Int64_(variant, &type.t, input.i64());
+            return kstd_persistentVariant_setValueUsingType_k_Int64_(variant, &type.r, input.i64());
         case 1:
-            return kstd_persistentVariant_setValueUsingType_k_UInt64_(variant, &type.t, input.u64());
+            return kstd_persistentVariant_setValueUsingType_k_UInt64_(variant, &type.r, input.u64());
         case 2:
-            return kstd_persistentVariant_setValueUsingType_k_Bool_(variant, &type.t, static_cast<int32_t>(input.u32()));
+            return kstd_persistentVariant_setValueUsingType_k_Bool_(variant, &type.r, static_cast<int32_t>(input.u32()));
         default:
-            return kstd_persistentVariant_setValueUsingType_double_(variant, &type.t, input.f64());
+            return kstd_persistentVariant_setValueUsingType_double_(variant, &type.r, input.f64());
     }
 }
 
@@ -143,9 +143,9 @@ kstd_result readStringValue(ByteReader& input, kstd_persistentVariant* variant) 
     Text text;
     if (input.u8() != 0xFF) {
         const std::u16string value = input.text(60, true);
-        VEXPERS_TRY_FUZZ(kstd_unicodeString_assignStringW(&text.s, value.c_str()));
+        VEXPERS_TRY_FUZZ(kstd_unicodeString_assignStringW(&text.r, value.c_str()));
     }
-    return kstd_persistentVariant_setValue_kstd_unicodeString(variant, &text.s);
+    return kstd_persistentVariant_setValue_kstd_unicodeString(variant, &text.r);
 }
 
 // Fills a section from the input (everything but the section type).
@@ -169,8 +169,8 @@ kstd_result readSection(ByteReader& input, uint8_t op, kstd_persistentPropertyNo
     switch (input.u8() % 7) {
         case 1: {
             Variant value;
-            if (readCoreValue(input, freeText, &value.v) >= 0)
-                kstd_persistentPropertyNodeSection_setLeafPropertyValue(section, &value.v);
+            if (readCoreValue(input, freeText, &value.r) >= 0)
+                kstd_persistentPropertyNodeSection_setLeafPropertyValue(section, &value.r);
             return 0;
         }
         case 2:
@@ -213,27 +213,27 @@ kstd_result readSection(ByteReader& input, uint8_t op, kstd_persistentPropertyNo
         }
         case 5: {
             Variant value;
-            if (readStringValue(input, &value.v) >= 0)
-                kstd_persistentPropertyNodeSection_setLeafPropertyValue(section, &value.v);
+            if (readStringValue(input, &value.r) >= 0)
+                kstd_persistentPropertyNodeSection_setLeafPropertyValue(section, &value.r);
             return 0;
         }
         case 6: {
             // The kinds as a reader that knows them sets them.
             Info info, objectInfo;
-            kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(&info.i, n.namePointer, n.typeName.c_str(),
+            kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(&info.r, n.namePointer, n.typeName.c_str(),
                                                                           n.derivation, access);
             Names object;
             readNames(input, freeText, &object);
             kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(
-                &objectInfo.i, object.namePointer, object.typeName.c_str(), object.derivation, access);
+                &objectInfo.r, object.namePointer, object.typeName.c_str(), object.derivation, access);
             const uint8_t kinds = input.u8();
-            kstd_persistentPropertyNodeSection_setObjectInfo(section, &info.i, &objectInfo.i, kinds & 1, objectId,
+            kstd_persistentPropertyNodeSection_setObjectInfo(section, &info.r, &objectInfo.r, kinds & 1, objectId,
                                                              (kinds >> 1) % 5, (kinds >> 4) % 3, numItems,
                                                              (kinds >> 6) & 1);
             if ((kinds & 0x80) != 0) {
                 Variant value;
-                if (readCoreValue(input, freeText, &value.v) >= 0)
-                    kstd_persistentPropertyNodeSection_setLeafPropertyValue(section, &value.v);
+                if (readCoreValue(input, freeText, &value.r) >= 0)
+                    kstd_persistentPropertyNodeSection_setLeafPropertyValue(section, &value.r);
             }
             return 0;
         }
@@ -266,7 +266,7 @@ void exerciseNode(const kstd_persistentPropertyNode* node) {
     const kstd_persistentContainerVtable* table = nullptr;
     Type itemType;
     kstd_persistentPropertyNode_getContainer(node, &container, &containerValue, &elementSize, &first, &count, &table,
-                                             &itemType.t);
+                                             &itemType.r);
     const void* begin = nullptr;
     kstd_persistentPropertyNode_getArrayBeginSizeIntPtrConst(node, &begin, &count);
     const kstd_persistentPropertyNode* child = nullptr;
@@ -290,15 +290,15 @@ kstd_result visitNode(void* context, int32_t event, int32_t, const kstd_persiste
         sectionType = kstd_persistentPropertyNodeSectionType_leaf;
     else if (event == kstd_persistentPropertyProcessorEvent_nodeEnd)
         sectionType = kstd_persistentPropertyNodeSectionType_end;
-    if (kstd_persistentPropertyNodeSection_assignNode(&exercise->section.s, node, sectionType) < 0) return 0;
+    if (kstd_persistentPropertyNodeSection_assignNode(&exercise->section.r, node, sectionType) < 0) return 0;
     uint32_t isLeaf = 0, leafKind = 0, isArray = 0, arrayKind = 0, matches = 0;
-    kstd_persistentPropertyNodeSection_getIsLeaf(&exercise->section.s, &isLeaf, &leafKind);
-    kstd_persistentPropertyNodeSection_getIsArray(&exercise->section.s, &isArray, &arrayKind);
-    kstd_persistentPropertyNode_isMatchingEnd(node, &exercise->section.s, &matches);
+    kstd_persistentPropertyNodeSection_getIsLeaf(&exercise->section.r, &isLeaf, &leafKind);
+    kstd_persistentPropertyNodeSection_getIsArray(&exercise->section.r, &isArray, &arrayKind);
+    kstd_persistentPropertyNode_isMatchingEnd(node, &exercise->section.r, &matches);
     if (sectionType == kstd_persistentPropertyNodeSectionType_end) return 0;
     kstd_persistentPropertyNode* scratch = nullptr;
     if (kstd_persistentPropertyTree_allocTempNode(exercise->tree, &scratch) < 0) return 0;
-    kstd_persistentPropertyNode_startNode(scratch, &exercise->section.s);
+    kstd_persistentPropertyNode_startNode(scratch, &exercise->section.r);
     kstd_persistentPropertyNode_endNode(scratch);
     kstd_persistentPropertyNode_freeNodeAndChildren(scratch);
     return 0;
@@ -348,7 +348,7 @@ kstd_result readTree(const void* data, size_t size, uint32_t format, uint32_t fl
 void exerciseTree(kstd_persistentPropertyTree* tree) {
     Exercise exercise{tree, {}, 0};
     Processor processor;
-    kstd_persistentPropertyProcessor_processPropertyTree(&processor.p, tree, visitNode, &exercise);
+    kstd_persistentPropertyProcessor_processPropertyTree(&processor.r, tree, visitNode, &exercise);
     const kfmt_sink sink{discard, nullptr};
     kfmt_dumpTree(tree, &sink);
 }
@@ -362,41 +362,41 @@ void applySectionStream(ByteReader& input, kstd_persistentPropertyTree* tree) {
             case 0:
             case 2:
             case 3: {
-                readSection(input, op, &section.s);
-                section.s.sectionType = op & 3u;
+                readSection(input, op, &section.r);
+                section.r.sectionType = op & 3u;
                 kstd_persistentPropertyNode* node = nullptr;
                 if (open.empty()) {
                     if (kstd_persistentPropertyTree_allocNextChild(tree, &node) < 0) break;
-                    if (kstd_persistentPropertyNode_startNode(node, &section.s) >= 0 && (op & 3) != 2)
+                    if (kstd_persistentPropertyNode_startNode(node, &section.r) >= 0 && (op & 3) != 2)
                         open.push_back(node);
                 } else if ((op & 3) == 2) {
-                    kstd_persistentPropertyNode_addChildLeafNode(open.back(), &section.s);
-                } else if (kstd_persistentPropertyNode_startChildNode(open.back(), &section.s, &node) >= 0) {
+                    kstd_persistentPropertyNode_addChildLeafNode(open.back(), &section.r);
+                } else if (kstd_persistentPropertyNode_startChildNode(open.back(), &section.r, &node) >= 0) {
                     open.push_back(node);
                 }
                 break;
             }
             case 1: {
-                kstd_persistentPropertyNodeSection_reset(&section.s);
-                section.s.sectionType = kstd_persistentPropertyNodeSectionType_end;
+                kstd_persistentPropertyNodeSection_reset(&section.r);
+                section.r.sectionType = kstd_persistentPropertyNodeSectionType_end;
                 const char16_t* name = names[input.below(nameCount)];
-                kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(&section.s.info, name, u"k_Int32", 0, 2);
+                kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(&section.r.info, name, u"k_Int32", 0, 2);
                 if (open.empty()) break;
                 uint32_t matches = 1;
-                if ((op & 8) == 0) kstd_persistentPropertyNode_isMatchingEnd(open.back(), &section.s, &matches);
+                if ((op & 8) == 0) kstd_persistentPropertyNode_isMatchingEnd(open.back(), &section.r, &matches);
                 if (matches != 0 && kstd_persistentPropertyNode_endNode(open.back()) >= 0) open.pop_back();
                 break;
             }
             case 4: {
                 const uint32_t sectionType = input.u8() < 0xF0 ? input.u8() % 5 : input.u32();
-                readSection(input, op, &section.s);
-                section.s.sectionType = sectionType;
+                readSection(input, op, &section.r);
+                section.r.sectionType = sectionType;
                 if (!open.empty() && (op & 8) == 0) {
-                    kstd_persistentPropertyNode_startNode(open.back(), &section.s);
+                    kstd_persistentPropertyNode_startNode(open.back(), &section.r);
                 } else {
                     kstd_persistentPropertyNode* node = nullptr;
                     if (kstd_persistentPropertyTree_allocNextChild(tree, &node) >= 0)
-                        kstd_persistentPropertyNode_startAndEndLeafNode(node, &section.s);
+                        kstd_persistentPropertyNode_startAndEndLeafNode(node, &section.r);
                 }
                 break;
             }
@@ -406,17 +406,17 @@ void applySectionStream(ByteReader& input, kstd_persistentPropertyTree* tree) {
                 switch ((op >> 4) % 3) {
                     case 0:
                         // Whatever a node of the tree holds, under a chosen id.
-                        if (!open.empty()) kstd_persistentVariant_assign(&value.v, &open.back()->leafProperty.value);
-                        kstd_persistentPropertyTree_setObjectWithId(tree, id, &value.v);
+                        if (!open.empty()) kstd_persistentVariant_assign(&value.r, &open.back()->leafProperty.value);
+                        kstd_persistentPropertyTree_setObjectWithId(tree, id, &value.r);
                         break;
                     case 1:
-                        kstd_persistentPropertyTree_getObjectById(tree, id, &value.v);
+                        kstd_persistentPropertyTree_getObjectById(tree, id, &value.r);
                         break;
                     default: {
-                        if (kstd_persistentPropertyTree_getObjectById(tree, id, &value.v) < 0) break;
+                        if (kstd_persistentPropertyTree_getObjectById(tree, id, &value.r) < 0) break;
                         int64_t found = 0;
                         uint32_t isNew = 0;
-                        kstd_persistentPropertyTree_findObject(tree, &value.v, &found, &isNew);
+                        kstd_persistentPropertyTree_findObject(tree, &value.r, &found, &isNew);
                         break;
                     }
                 }

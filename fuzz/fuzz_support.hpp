@@ -13,6 +13,8 @@
 #include "vexpers/formats/formats.h"
 #include "vexpers/vexpers.h"
 
+#include "client_object.hpp"
+
 // Runs one step; a failure ends the enclosing function with its code.
 #define VEXPERS_TRY_FUZZ(expression)               \
     do {                                           \
@@ -70,69 +72,20 @@ private:
 // input does never depends on the inputs run before it.
 void prepare();
 
-struct Tree {
-    kstd_persistentPropertyTree t;
-    Tree() { kstd_persistentPropertyTree_construct(&t); }
-    ~Tree() { kstd_persistentPropertyTree_destruct(&t); }
-    Tree(const Tree&) = delete;
-    Tree& operator=(const Tree&) = delete;
-};
-
-struct Section {
-    kstd_persistentPropertyNodeSection s;
-    Section() { kstd_persistentPropertyNodeSection_construct(&s); }
-    ~Section() { kstd_persistentPropertyNodeSection_destruct(&s); }
-    Section(const Section&) = delete;
-    Section& operator=(const Section&) = delete;
-};
-
-struct Variant {
-    kstd_persistentVariant v;
-    Variant() { kstd_persistentVariant_construct(&v); }
-    ~Variant() { kstd_persistentVariant_destruct(&v); }
-    Variant(const Variant&) = delete;
-    Variant& operator=(const Variant&) = delete;
-};
-
-struct Type {
-    kstd_persistentType t;
-    Type() { kstd_persistentType_construct(&t); }
-    ~Type() { kstd_persistentType_destruct(&t); }
-    Type(const Type&) = delete;
-    Type& operator=(const Type&) = delete;
-};
-
-struct Info {
-    kstd_persistentPropertyInfo i;
-    Info() { kstd_persistentPropertyInfo_construct(&i); }
-    ~Info() { kstd_persistentPropertyInfo_destruct(&i); }
-    Info(const Info&) = delete;
-    Info& operator=(const Info&) = delete;
-};
-
-struct Property {
-    kstd_persistentProperty p;
-    Property() { kstd_persistentProperty_construct(&p); }
-    ~Property() { kstd_persistentProperty_destruct(&p); }
-    Property(const Property&) = delete;
-    Property& operator=(const Property&) = delete;
-};
-
-struct Processor {
-    kstd_persistentPropertyProcessor p;
-    Processor() { kstd_persistentPropertyProcessor_construct(&p); }
-    ~Processor() { kstd_persistentPropertyProcessor_destruct(&p); }
-    Processor(const Processor&) = delete;
-    Processor& operator=(const Processor&) = delete;
-};
-
-struct Text {
-    kstd_unicodeString s;
-    Text() { kstd_unicodeString_construct(&s); }
-    ~Text() { kstd_unicodeString_destruct(&s); }
-    Text(const Text&) = delete;
-    Text& operator=(const Text&) = delete;
-};
+template <class R, kstd_result (*Construct)(R*), kstd_result (*Destruct)(R*)>
+using Owned = vexpers::client::Owned<R, Construct, Destruct>;
+using Tree = Owned<kstd_persistentPropertyTree, kstd_persistentPropertyTree_construct,
+                   kstd_persistentPropertyTree_destruct>;
+using Section = Owned<kstd_persistentPropertyNodeSection, kstd_persistentPropertyNodeSection_construct,
+                      kstd_persistentPropertyNodeSection_destruct>;
+using Variant = Owned<kstd_persistentVariant, kstd_persistentVariant_construct, kstd_persistentVariant_destruct>;
+using Type = Owned<kstd_persistentType, kstd_persistentType_construct, kstd_persistentType_destruct>;
+using Info = Owned<kstd_persistentPropertyInfo, kstd_persistentPropertyInfo_construct,
+                   kstd_persistentPropertyInfo_destruct>;
+using Property = Owned<kstd_persistentProperty, kstd_persistentProperty_construct, kstd_persistentProperty_destruct>;
+using Processor = Owned<kstd_persistentPropertyProcessor, kstd_persistentPropertyProcessor_construct,
+                        kstd_persistentPropertyProcessor_destruct>;
+using Text = Owned<kstd_unicodeString, kstd_unicodeString_construct, kstd_unicodeString_destruct>;
 
 // A growing memory buffer and the sink that appends to it.
 struct Memory {

@@ -41,9 +41,9 @@ struct Graph {
 template <class T>
 void make(kstd_ptrh* pointer) {
     Type type;
-    if (kstd_persistentTypeGetType(T::typeName, 0, 1, &type.t) < 0) fail("demo type not registered");
+    if (kstd_persistentTypeGetType(T::typeName, 0, 1, &type.r) < 0) fail("demo type not registered");
     void* object = nullptr;
-    if (kstd_persistentType_newObject(&type.t, &object) < 0) fail("cannot make a demo object");
+    if (kstd_persistentType_newObject(&type.r, &object) < 0) fail("cannot make a demo object");
     if (kstd_ptrh_assignShared(pointer, &static_cast<typename T::Record*>(object)->header) < 0)
         fail("cannot share a demo object");
 }
@@ -124,8 +124,8 @@ void build(ByteReader& input, Graph* graph) {
         const uint32_t tags = input.below(4);
         for (uint32_t i = 0; i < tags; ++i) {
             Text tag;
-            readText(input, &tag.s, graph);
-            if (kstd_vector_kstd_unicodeString_pushBack(&n->tags, &tag.s) < 0) fail("cannot add a tag");
+            readText(input, &tag.r, graph);
+            if (kstd_vector_kstd_unicodeString_pushBack(&n->tags, &tag.r) < 0) fail("cannot add a tag");
         }
         readLink(input, graph->materials, &n->material);
         readLink(input, graph->nodes, &n->parent);
@@ -323,28 +323,28 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Tree decomposed;
     {
         Property property;
-        if (kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(&property.p, u"scene", 2, &graph.scene.p) < 0 ||
-            kstd_persistentPropertyTree_resetDecomposeProperty(&decomposed.t, &property.p) < 0)
+        if (kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(&property.r, u"scene", 2, &graph.scene.p) < 0 ||
+            kstd_persistentPropertyTree_resetDecomposeProperty(&decomposed.r, &property.r) < 0)
             fail("a graph does not decompose");
     }
 
     for (const uint32_t format : {kfmt_format_json, kfmt_format_binary}) {
         Memory bytes;
         kfmt_report report{};
-        if (kfmt_writeTree(&decomposed.t, format, &bytes.sink, nullptr, nullptr, &report) < 0) {
+        if (kfmt_writeTree(&decomposed.r, format, &bytes.sink, nullptr, nullptr, &report) < 0) {
             if (format == kfmt_format_json && report.code == kfmt_result_notStorable && graph.loneSurrogates) continue;
             std::fprintf(stderr, "fuzz: %s: %s\n", kfmt_formatName(format), report.message);
             fail("a decomposed graph does not write");
         }
         Tree read;
-        if (readTree(bytes.writer.data, bytes.writer.size, format, kfmt_flag_checkObjectIds, &read.t) < 0) {
+        if (readTree(bytes.writer.data, bytes.writer.size, format, kfmt_flag_checkObjectIds, &read.r) < 0) {
             std::fprintf(stderr, "fuzz: %s\n", kfmt_formatName(format));
             fail("a written graph does not read");
         }
-        composeAndCompare(graph, &read.t, kfmt_formatName(format));
+        composeAndCompare(graph, &read.r, kfmt_formatName(format));
     }
     // Straight from the decomposed tree, whose arrays live in the objects.
-    composeAndCompare(graph, &decomposed.t, "from the decomposed tree");
+    composeAndCompare(graph, &decomposed.r, "from the decomposed tree");
     releaseOriginal(&graph);
     return 0;
 }

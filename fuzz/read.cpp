@@ -42,23 +42,23 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     constexpr uint32_t other = format == kfmt_format_json ? kfmt_format_binary : kfmt_format_json;
 
     Tree checked;
-    const bool idsOk = readTree(data, size, format, kfmt_flag_checkObjectIds, &checked.t) >= 0;
-    kstd_persistentPropertyTree_reset(&checked.t);
+    const bool idsOk = readTree(data, size, format, kfmt_flag_checkObjectIds, &checked.r) >= 0;
+    kstd_persistentPropertyTree_reset(&checked.r);
 
     Tree tree;
-    if (readTree(data, size, format, 0, &tree.t) < 0) {
+    if (readTree(data, size, format, 0, &tree.r) < 0) {
         if (idsOk) fail("a stream that passes the id check does not read without it");
         return 0;
     }
-    exerciseTree(&tree.t);
+    exerciseTree(&tree.r);
 
     Memory first;
-    write(&tree.t, format, &first);
-    kstd_persistentPropertyTree_reset(&tree.t);
+    write(&tree.r, format, &first);
+    kstd_persistentPropertyTree_reset(&tree.r);
     Tree again;
-    readBack(first, format, &again.t);
+    readBack(first, format, &again.r);
     Memory second;
-    write(&again.t, format, &second);
+    write(&again.r, format, &second);
     if (!sameBytes(first, second)) fail("writing what was read changes the bytes");
 
     // Through the other format and back, twice: the second pass writes the
@@ -66,21 +66,21 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     // NaN the same, so a binary NaN's payload does not survive the first.)
     Memory converted;
     kfmt_report report{};
-    if (kfmt_writeTree(&again.t, other, &converted.sink, nullptr, nullptr, &report) < 0) {
+    if (kfmt_writeTree(&again.r, other, &converted.sink, nullptr, nullptr, &report) < 0) {
         // JSON stores only valid text; the binary form stores any units.
         if (other == kfmt_format_json && report.code == kfmt_result_notStorable) return 0;
         std::fprintf(stderr, "fuzz: %s\n", report.message);
         fail("a tree that was read does not write in the other format");
     }
     Tree viaOther;
-    readBack(converted, other, &viaOther.t);
+    readBack(converted, other, &viaOther.r);
     Memory back;
-    write(&viaOther.t, format, &back);
-    kstd_persistentPropertyTree_reset(&viaOther.t);
+    write(&viaOther.r, format, &back);
+    kstd_persistentPropertyTree_reset(&viaOther.r);
     Tree backTree;
-    readBack(back, format, &backTree.t);
+    readBack(back, format, &backTree.r);
     Memory convertedAgain;
-    write(&backTree.t, other, &convertedAgain);
+    write(&backTree.r, other, &convertedAgain);
     if (!sameBytes(converted, convertedAgain)) fail("a conversion to the other format and back changes the bytes");
     return 0;
 }

@@ -13,13 +13,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     prepare();
     ByteReader input(data, size);
     Tree tree;
-    applySectionStream(input, &tree.t);
-    exerciseTree(&tree.t);
+    applySectionStream(input, &tree.r);
+    exerciseTree(&tree.r);
     for (const uint32_t format : {kfmt_format_json, kfmt_format_binary}) {
         Memory bytes;
-        if (kfmt_writeTree(&tree.t, format, &bytes.sink, nullptr, nullptr, nullptr) < 0) continue;
+        if (kfmt_writeTree(&tree.r, format, &bytes.sink, nullptr, nullptr, nullptr) < 0) continue;
         Tree back;
-        readTree(bytes.writer.data, bytes.writer.size, format, 0, &back.t);
+        readTree(bytes.writer.data, bytes.writer.size, format, 0, &back.r);
     }
     return 0;
 }

@@ -51,11 +51,11 @@ void saveScene(int64_t nodes) {
     if (demo::buildScene(nodes, &scene, &census) < 0) fail("cannot build a scene");
     Tree tree;
     Property property;
-    if (kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(&property.p, u"scene", 2, &scene) < 0 ||
-        kstd_persistentPropertyTree_resetDecomposeProperty(&tree.t, &property.p) < 0)
+    if (kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(&property.r, u"scene", 2, &scene) < 0 ||
+        kstd_persistentPropertyTree_resetDecomposeProperty(&tree.r, &property.r) < 0)
         fail("cannot decompose a scene");
-    saveTree(&tree.t, "scene" + std::to_string(nodes), 0);
-    kstd_persistentPropertyTree_reset(&tree.t);
+    saveTree(&tree.r, "scene" + std::to_string(nodes), 0);
+    kstd_persistentPropertyTree_reset(&tree.r);
     demo::releaseScene(&scene);
     kstd_ptrh_destruct(&scene);
 }
@@ -68,15 +68,15 @@ void saveValues() {
     kstd_vectord_construct(&values);
     for (const double d : {0.5, -0.0, 1e300, 3.25}) kstd_vectord_pushBack(&values, d);
     Type type;
-    kstd_persistentTypeGetType(u"kstd_vectord", 0, 1, &type.t);
+    kstd_persistentTypeGetType(u"kstd_vectord", 0, 1, &type.r);
     Variant value;
-    if (kstd_persistentVariant_setValueUsingType(&value.v, &type.t, &values) < 0 ||
-        kstd_persistentPropertyInfo_resetNameTypeAccess(&property.p.info, u"value", &type.t, 2) < 0 ||
-        kstd_persistentVariant_assign(&property.p.value, &value.v) < 0 ||
-        kstd_persistentPropertyTree_resetDecomposeProperty(&tree.t, &property.p) < 0)
+    if (kstd_persistentVariant_setValueUsingType(&value.r, &type.r, &values) < 0 ||
+        kstd_persistentPropertyInfo_resetNameTypeAccess(&property.r.info, u"value", &type.r, 2) < 0 ||
+        kstd_persistentVariant_assign(&property.r.value, &value.r) < 0 ||
+        kstd_persistentPropertyTree_resetDecomposeProperty(&tree.r, &property.r) < 0)
         fail("cannot decompose a vector");
-    saveTree(&tree.t, "vector", 1);
-    kstd_persistentPropertyTree_reset(&tree.t);
+    saveTree(&tree.r, "vector", 1);
+    kstd_persistentPropertyTree_reset(&tree.r);
     kstd_vectord_destruct(&values);
 }
 
@@ -197,14 +197,14 @@ void saveStreams() {
     {
         Tree tree;
         ByteReader input(reinterpret_cast<const uint8_t*>(scene.bytes().data()), scene.bytes().size());
-        applySectionStream(input, &tree.t);
+        applySectionStream(input, &tree.r);
         kstd_ptrh copy;
         kstd_ptrh_constructEmpty(&copy);
-        if (tree.t.firstChild == nullptr ||
-            kstd_persistentType_loadPropertyNode(demo::pointerType(), &copy, tree.t.firstChild) < 0)
+        if (tree.r.firstChild == nullptr ||
+            kstd_persistentType_loadPropertyNode(demo::pointerType(), &copy, tree.r.firstChild) < 0)
             fail("the scene stream does not compose");
-        demo::unlinkRecorded(&tree.t);
-        kstd_persistentPropertyTree_reset(&tree.t);
+        demo::unlinkRecorded(&tree.r);
+        kstd_persistentPropertyTree_reset(&tree.r);
         kstd_ptrh_destruct(&copy);
     }
     save("compose", "scene-sections.bin", std::string(1, '\0') + scene.bytes());

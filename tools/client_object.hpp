@@ -118,6 +118,16 @@ struct ObjectOperations {
     static constexpr kstd_typeDescriptorMinimalVtable minimal{query, typeName};
 };
 
+// A library record constructed for the wrapper's lifetime.
+template <class R, kstd_result (*Construct)(R*), kstd_result (*Destruct)(R*)>
+struct Owned {
+    R r;
+    Owned() { Construct(&r); }
+    ~Owned() { Destruct(&r); }
+    Owned(const Owned&) = delete;
+    Owned& operator=(const Owned&) = delete;
+};
+
 // The object a shared pointer holds, or null.
 template <class T>
 T* objectOf(const kstd_ptrh& pointer) {

@@ -18,6 +18,7 @@
 #include <string>
 #include <vector>
 
+#include "client_object.hpp"
 #include "demo_model.hpp"
 #include "vexpers/formats/formats.h"
 #include "vexpers/vexpers.h"
@@ -96,14 +97,8 @@ bool parseFormat(const char* text, uint32_t* format) {
     return true;
 }
 
-// Owning tree.
-struct Tree {
-    kstd_persistentPropertyTree t;
-    Tree() { kstd_persistentPropertyTree_construct(&t); }
-    ~Tree() { kstd_persistentPropertyTree_destruct(&t); }
-    Tree(const Tree&) = delete;
-    Tree& operator=(const Tree&) = delete;
-};
+using Tree = vexpers::client::Owned<kstd_persistentPropertyTree, kstd_persistentPropertyTree_construct,
+                                    kstd_persistentPropertyTree_destruct>;
 
 struct Pointer {
     kstd_ptrh p;
@@ -264,7 +259,7 @@ int demo(int argc, char** argv) {
         showWorking(progress, "decompose");
         Stopwatch time;
         result = kstd_persistentProperty_resetInfoAndValue_kstd_ptrh(&property, u"scene", 2, &scene.p);
-        if (result >= 0) result = kstd_persistentPropertyTree_resetDecomposeProperty(&decomposed.t, &property);
+        if (result >= 0) result = kstd_persistentPropertyTree_resetDecomposeProperty(&decomposed.r, &property);
         kstd_persistentProperty_destruct(&property);
         clearProgress(progress);
         if (result < 0) return failed("decompose", result, nullptr);
@@ -276,13 +271,13 @@ int demo(int argc, char** argv) {
     {
         if (progress.stage != nullptr) progress.stage = "write";
         Stopwatch time;
-        result = out != nullptr ? kfmt_writeTreeFile(&decomposed.t, format, out, &options, &written, &report)
-                                : kfmt_writeTree(&decomposed.t, format, &bytes.sink, &options, &written, &report);
+        result = out != nullptr ? kfmt_writeTreeFile(&decomposed.r, format, out, &options, &written, &report)
+                                : kfmt_writeTree(&decomposed.r, format, &bytes.sink, &options, &written, &report);
         clearProgress(progress);
         if (result < 0) return failed("write", result, &report);
         stage("write", time.milliseconds(), counts(written));
     }
-    kstd_persistentPropertyTree_reset(&decomposed.t);
+    kstd_persistentPropertyTree_reset(&decomposed.r);
 
     // Read.
     Tree tree;
@@ -291,12 +286,12 @@ int demo(int argc, char** argv) {
         if (progress.stage != nullptr) progress.stage = "read";
         Stopwatch time;
         if (out != nullptr) {
-            result = kfmt_readTreeFile(&tree.t, kfmt_format_detect, out, &options, &read, &report);
+            result = kfmt_readTreeFile(&tree.r, kfmt_format_detect, out, &options, &read, &report);
         } else {
             kfmt_memoryReader reader;
             kfmt_source source;
             kfmt_source_initMemory(&source, &reader, bytes.writer.data, bytes.writer.size);
-            result = kfmt_readTree(&tree.t, kfmt_format_detect, &source, &options, &read, &report);
+            result = kfmt_readTree(&tree.r, kfmt_format_detect, &source, &options, &read, &report);
         }
         clearProgress(progress);
         if (result < 0) return failed("read", result, &report);
@@ -308,7 +303,7 @@ int demo(int argc, char** argv) {
         Memory again;
         if (progress.stage != nullptr) progress.stage = "rewrite";
         Stopwatch time;
-        result = kfmt_writeTree(&tree.t, format, &again.sink, &options, &rewritten, &report);
+        result = kfmt_writeTree(&tree.r, format, &again.sink, &options, &rewritten, &report);
         clearProgress(progress);
         if (result < 0) return failed("rewrite", result, &report);
         const uint8_t* first = bytes.writer.data;
@@ -334,15 +329,15 @@ int demo(int argc, char** argv) {
     {
         showWorking(progress, "compose");
         Stopwatch time;
-        result = kstd_persistentType_loadPropertyNode(vexpers::demo::pointerType(), &copy.p, tree.t.firstChild);
+        result = kstd_persistentType_loadPropertyNode(vexpers::demo::pointerType(), &copy.p, tree.r.firstChild);
         clearProgress(progress);
         if (result < 0) {
-            vexpers::demo::unlinkRecorded(&tree.t);
+            vexpers::demo::unlinkRecorded(&tree.r);
             return failed("compose", result, nullptr);
         }
         stage("compose", time.milliseconds(), "new objects from the tree read");
     }
-    kstd_persistentPropertyTree_reset(&tree.t);
+    kstd_persistentPropertyTree_reset(&tree.r);
 
     // Verify.
     {
@@ -377,10 +372,10 @@ int dump(int argc, char** argv) {
     if (argc != 1) return usage("dump", argc == 0 ? "missing FILE" : "too many arguments");
     Tree tree;
     kfmt_report report{};
-    if (kfmt_readTreeFile(&tree.t, kfmt_format_detect, argv[0], nullptr, nullptr, &report) < 0)
+    if (kfmt_readTreeFile(&tree.r, kfmt_format_detect, argv[0], nullptr, nullptr, &report) < 0)
         return reportFailure("dump", argv[0], report);
     const kfmt_sink sink{writeStdout, nullptr};
-    if (kfmt_dumpTree(&tree.t, &sink) < 0) {
+    if (kfmt_dumpTree(&tree.r, &sink) < 0) {
         std::fprintf(stderr, "vexpers dump: cannot print %s\n", argv[0]);
         return exitData;
     }
@@ -417,9 +412,9 @@ int convert(int argc, char** argv) {
     Tree tree;
     kfmt_report report{};
     kfmt_statistics in{}, written{};
-    if (kfmt_readTreeFile(&tree.t, from, paths[0], nullptr, &in, &report) < 0)
+    if (kfmt_readTreeFile(&tree.r, from, paths[0], nullptr, &in, &report) < 0)
         return reportFailure("convert", paths[0], report);
-    if (kfmt_writeTreeFile(&tree.t, to, paths[1], &options, &written, &report) < 0)
+    if (kfmt_writeTreeFile(&tree.r, to, paths[1], &options, &written, &report) < 0)
         return reportFailure("convert", paths[1], report);
     std::printf("%s (%" PRId64 " bytes) -> %s (%s, %" PRId64 " bytes): %" PRId64 " nodes\n", paths[0], in.bytes,
                 paths[1], kfmt_formatName(to), written.bytes, written.nodes);
@@ -438,7 +433,7 @@ int check(int argc, char** argv) {
     Tree tree;
     kfmt_report report{};
     kfmt_statistics s{};
-    if (kfmt_readTreeFile(&tree.t, kfmt_format_detect, argv[0], &options, &s, &report) < 0)
+    if (kfmt_readTreeFile(&tree.r, kfmt_format_detect, argv[0], &options, &s, &report) < 0)
         return reportFailure("check", argv[0], report);
     std::printf("%s: ok: %" PRId64 " nodes, %" PRId64 " objects, %" PRId64 " references, depth %" PRId64
                 ", %" PRId64 " bytes\n",
