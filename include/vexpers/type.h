@@ -480,7 +480,8 @@ VEXPERS_API kstd_result kstd_persistentTypeGetAllTypes(kstd_vector_kstd_persiste
  * caller) and set the flag to 1. They then register the types of the entries
  * and, for a container, the item type, still holding the registry (a failure
  * there is returned with the type registered and the flag at 1). Any earlier
- * failure leaves the flag at 0; records already made stay registered.
+ * failure leaves the flag at 0 and the registry as it was (no records or
+ * entries of the type), so the registration may be retried.
  * The flag is read and set atomically (acquire / release), and *typeOut is
  * filled in before the flag is set, so a module may test its flag without a
  * lock. Two threads registering through one flag both succeed.
