@@ -109,9 +109,10 @@ VEXPERS_EXPORT kstd_result kstd_persistentVariant_setValueUsingTypeArrayInContai
     intptr_t count = 0;
     VEXPERS_TRY(table.getSize(container, &count));
     if (count < 0) return kstd_persistentResult_invalidCount;
+    // An empty or unregistered type is no known array type either.
     const kstd_persistentType_* record = nullptr;
-    VEXPERS_TRY(anyRecord(type, &record));
-    if (record->isKnown == 0 || !isArrayDerivation(record->derivation)) return kstd_persistentResult_wrongTypeKind;
+    if (vexpers::failed(vexpers::types::resolveRecord(type, true, &record)) || !isArrayDerivation(record->derivation))
+        return kstd_persistentResult_wrongTypeKind;
     VEXPERS_TRY(kstd_persistentVariant_resetType(variant, type));
     // The container stays the caller's.
     variant->isBorrowed = 1;

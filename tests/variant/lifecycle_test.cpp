@@ -21,6 +21,11 @@ TEST(Variant, WithoutTypeEveryReadFailsAsTypeEmpty) {
     int32_t i32 = 0;
     EXPECT_EQ(kstd_persistentVariant_getValueUsingType(v, empty, &i32), Empty);
     EXPECT_EQ(kstd_persistentVariant_setValueUsingType(v, empty, &i32), Empty);
+    // An empty type is no known array type for a container.
+    struct List { intptr_t count; int32_t items[1]; } list{0, {}};
+    EXPECT_EQ(kstd_persistentVariant_setValueUsingTypeArrayInContainer(v, empty, &list,
+                                                                       &ListOperations<List, int32_t, 1>::table),
+              D6);
 
     AssertRecorder faults;
     EXPECT_EQ(kstd_persistentVariant_setValue_k_Int32(nullptr, 1), Fault);
