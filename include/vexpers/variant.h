@@ -302,8 +302,8 @@ VEXPERS_API kstd_result kstd_persistentVariant_setValueUsingType_double_(kstd_pe
  *     table missing one of its first five operations with 0x800040C1; the
  *     count is asked from the container (its failure returned; a negative
  *     count 0x800040D7); the type must be registered with derivation 2 or 5
- *     (else 0x800040D6).
- * A descriptor without a record fails with 0x80004100.
+ *     (else 0x800040D6, also for a descriptor without a record).
+ * Otherwise a descriptor without a record fails with 0x80004100.
  *
  * Reading.
  *   _getWholeObject: the object held (borrowed or created) or the pointer of

@@ -2,13 +2,28 @@
 // type list: each forwards to the typed set or get of its row.
 #include "variant/core_accessors.hpp"
 
+#include <type_traits>
+
 #include "types/core_type_table.hpp"
 
 namespace vexpers::core {
+namespace {
+
+// One value of the row's C type read from memory. A bool is read as its
+// byte, so that any non-zero byte (not only 1) counts as true.
+template <class T>
+T load(const void* value) {
+    if constexpr (std::is_same_v<T, bool>)
+        return *static_cast<const unsigned char*>(value) != 0;
+    else
+        return *static_cast<const T*>(value);
+}
+
+}  // namespace
 
 #define VEXPERS_CORE_TYPE(id, stem, name, category, ctype)                                           \
     kstd_result write_##stem(kstd_persistentVariant* variant, const void* value) {                  \
-        return kstd_persistentVariant_setValue_##stem(variant, *static_cast<const ctype*>(value));  \
+        return kstd_persistentVariant_setValue_##stem(variant, load<ctype>(value));                 \
     }                                                                                                \
     kstd_result read_##stem(const kstd_persistentVariant* variant, void* out) {                     \
         return kstd_persistentVariant_getValue_##stem(variant, static_cast<ctype*>(out));           \

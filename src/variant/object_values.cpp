@@ -2,6 +2,8 @@
 // pointers, enumerations and enumeration bit fields, empty arrays and arrays
 // living in a caller's container; reading the object or array back; and
 // finding a property of the held object by a dotted path.
+#include <iterator>
+
 #include "types/property_transfer.hpp"
 #include "types/type_record.hpp"
 #include "variant/variant_internal.hpp"
@@ -109,9 +111,10 @@ VEXPERS_EXPORT kstd_result kstd_persistentVariant_setValueUsingTypeArrayInContai
     intptr_t count = 0;
     VEXPERS_TRY(table.getSize(container, &count));
     if (count < 0) return kstd_persistentResult_invalidCount;
+    // An empty or unregistered type is no known array type either.
     const kstd_persistentType_* record = nullptr;
-    VEXPERS_TRY(anyRecord(type, &record));
-    if (record->isKnown == 0 || !isArrayDerivation(record->derivation)) return kstd_persistentResult_wrongTypeKind;
+    if (vexpers::failed(vexpers::types::resolveRecord(type, true, &record)) || !isArrayDerivation(record->derivation))
+        return kstd_persistentResult_wrongTypeKind;
     VEXPERS_TRY(kstd_persistentVariant_resetType(variant, type));
     // The container stays the caller's.
     variant->isBorrowed = 1;
@@ -172,22 +175,35 @@ VEXPERS_EXPORT kstd_result kstd_persistentVariant_getPropertyUsingName(const kst
     VEXPERS_REQUIRE(property != nullptr);
     VEXPERS_TRY(kstd_persistentProperty_reset(property));
     if (path == nullptr || path[0] == 0) return kstd_persistentResult_invalidPropertyName;
-    // Each part but the last is looked up into one of two local properties in
-    // turn; the next part is looked up in the object that one holds.
-    kstd_persistentProperty steps[2];
-    VEXPERS_TRY(kstd_persistentProperty_construct(&steps[0]));
-    VEXPERS_DEFER { kstd_persistentProperty_destruct(&steps[0]); };
-    VEXPERS_TRY(kstd_persistentProperty_construct(&steps[1]));
-    VEXPERS_DEFER { kstd_persistentProperty_destruct(&steps[1]); };
+    // Each part but the last is looked up into a local property of its own;
+    // the next part is looked up in the object that one holds. All of them
+    // live until the end: an object that a step made (and alone keeps alive)
+    // may hold the objects of the steps after it. Short paths need no memory.
+    size_t steps = 0;
+    for (const char16_t* dot = ksys_wcschr(path, u'.'); dot != nullptr; dot = ksys_wcschr(dot + 1, u'.')) ++steps;
+    kstd_persistentProperty local[2];
+    kstd_persistentProperty* step = local;
+    void* memory = nullptr;
+    if (steps > std::size(local)) {
+        VEXPERS_TRY(ksys_memory_alloc_internal(steps * sizeof(kstd_persistentProperty), &memory));
+        step = static_cast<kstd_persistentProperty*>(memory);
+    }
+    size_t built = 0;
+    VEXPERS_DEFER {
+        while (built > 0) kstd_persistentProperty_destruct(&step[--built]);
+        ksys_memory_free_internal(&memory);
+    };
     const kstd_persistentVariant* current = variant;
     int32_t start = 0;
-    for (int which = 0;; which ^= 1) {
+    for (;;) {
         const char16_t* dot = ksys_wcschr(path + start, u'.');
         if (dot == nullptr)
             return lookUpName(current, path, start, static_cast<int32_t>(ksys_wcslen(path + start)), property);
         const int32_t length = static_cast<int32_t>(dot - (path + start));
-        VEXPERS_TRY(lookUpName(current, path, start, length, &steps[which]));
-        current = &steps[which].value;
+        VEXPERS_TRY(kstd_persistentProperty_construct(&step[built]));
+        kstd_persistentProperty* found = &step[built++];
+        VEXPERS_TRY(lookUpName(current, path, start, length, found));
+        current = &found->value;
         start += length + 1;
     }
 }

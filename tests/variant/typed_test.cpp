@@ -70,6 +70,12 @@ TEST(VariantTyped, BooleansAndRefusedCharacters) {
     ASSERT_EQ(kstd_persistentVariant_setValue_bool(v, true), 0);
     EXPECT_EQ(v->value.uint64, 1u);
     EXPECT_EQ(coreTypeIdOf(v), kstd_persistentCoreTypeId_bool);
+    // Written through its core type row, a bool is its byte: any non-zero byte is true.
+    Type boolType;
+    coreType(boolType, kstd_persistentCoreTypeId_bool);
+    const unsigned char byte = 5;
+    ASSERT_EQ(kstd_persistentVariant_setValueUsingType(v, boolType, &byte), 0);
+    EXPECT_EQ(v->value.uint64, 1u);
 
     ASSERT_EQ(kstd_persistentVariant_setValue_k_Int32(v, 42), 0);
     EXPECT_EQ(kstd_persistentVariant_setValue_char(v, 'a'), CA);
