@@ -44,17 +44,13 @@ kstd_result holderTypenameOf(const kstd_shared*, const char16_t** name) {
 constexpr kstd_sharedCustom holderCounting{destroyHolder, kstd_shared_increment_default, kstd_shared_decrement_default};
 constexpr kstd_sharedTyped holderTyping{queryHolder, holderTypenameOf};
 
-// Makes a holder with a copy of `text` (not empty, not null).
-kstd_result newHolder(const char16_t* text, Holder** out) {
+// Makes a holder whose text is still empty.
+kstd_result newHolder(Holder** out) {
     void* memory = nullptr;
     VEXPERS_TRY(ksys_memory_alloc_internal(sizeof(Holder), &memory));
     auto* holder = static_cast<Holder*>(memory);
     kstd_shared_initCustomTyped(&holder->header, holder, &holderCounting, &holderTyping);
-    kstd_result result = kstd_string_constructEmpty(&holder->text);
-    if (!vexpers::failed(result)) {
-        result = kstd_string_assignString(&holder->text, text);
-        if (vexpers::failed(result)) kstd_string_destruct(&holder->text);
-    }
+    const kstd_result result = kstd_string_constructEmpty(&holder->text);
     if (vexpers::failed(result)) {
         ksys_memory_free_internal(&memory);
         return result;
@@ -133,9 +129,17 @@ VEXPERS_EXPORT kstd_result kstd_stringConst_assignString(kstd_stringConst* strin
     if (text[0] == 0) return resetState(string, true);
     // The characters are copied before the old holder is released, so a text
     // that lives in that holder (the record's own chars) is safe to assign.
+    // A holder that cannot be made leaves the record as it was; characters
+    // that cannot be copied leave it the null string.
     Holder* holder = nullptr;
-    VEXPERS_TRY(newHolder(text, &holder));
-    const kstd_result result = kstd_ptrhConst_assignShared(&string->holder, &holder->header);
+    VEXPERS_TRY(newHolder(&holder));
+    kstd_result result = kstd_string_assignString(&holder->text, text);
+    if (vexpers::failed(result)) {
+        destroyHolder(&holder->header);
+        resetState(string, false);
+        return result;
+    }
+    result = kstd_ptrhConst_assignShared(&string->holder, &holder->header);
     if (vexpers::failed(result)) {
         destroyHolder(&holder->header);
         return result;

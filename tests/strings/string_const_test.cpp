@@ -68,12 +68,21 @@ TEST(StringConst, AllocationFailuresAndRequiredPointers) {
         [&] {
             const kstd_result result = kstd_stringConst_assignString(&s.value, u"replacement");
             if (result < 0) {
-                EXPECT_EQ(std::u16string(s.chars()), u"keep");
+                EXPECT_TRUE(s.chars() == nullptr || std::u16string(s.chars()) == u"keep");
             }
             return result;
         },
         [&] { kstd_stringConst_assignString(&s.value, u"keep"); });
     EXPECT_EQ(sites, 2) << "one holder and one character block";
+    // Without a holder the record keeps its text; characters that cannot be
+    // copied leave it the null string.
+    for (auto [site, keeps] : {std::pair{1, true}, {2, false}}) {
+        kstd_stringConst_assignString(&s.value, u"keep");
+        ksys_memory_failAt(site, 0);
+        EXPECT_EQ(kstd_stringConst_assignString(&s.value, u"replacement"), ksys_result_outOfMemory);
+        ksys_memory_failAt(0, 0);
+        EXPECT_EQ(vexpers::test::ascii(s.chars()), keeps ? "keep" : "(null)") << site;
+    }
 
     AssertRecorder faults;
     const char16_t* text = u"x";
