@@ -136,7 +136,9 @@ VEXPERS_API kstd_result kstd_stringConstTable_resetNumBins(kstd_stringConstTable
  * ksys_result_failure and changes nothing; ids below a wanted one stay free).
  * Null and empty texts are entries of their own. _addStringConst shares the
  * given string's holder instead of copying its characters. _findString never
- * adds: a missing text gives id -1 and success.
+ * adds: a missing text gives id -1 and success. A failed add leaves the
+ * table as it was (no half-made entry, no id used up); an automatic id past
+ * INT32_MAX fails with ksys_result_invalidSize.
  */
 VEXPERS_API kstd_result kstd_stringConstTable_addString(kstd_stringConstTable* table, const char16_t* text,
                                                         kstd_stringConst* string, int32_t* id, uint32_t* added);
