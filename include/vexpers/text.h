@@ -12,8 +12,9 @@
  * unpaired surrogates in UTF-32) fails with ksys_result_invalidText and leaves
  * the target unchanged. UTF-16 input is stored as given; converting it to
  * UTF-8 or UTF-32 fails with ksys_result_invalidText on an unpaired
- * surrogate. Allocation failure returns ksys_result_outOfMemory with the
- * target unchanged. Clones returned by the getClone functions are
+ * surrogate. Allocation failure returns ksys_result_outOfMemory, and a text
+ * of INT32_MAX units or more ksys_result_invalidSize, with the target
+ * unchanged. Clones returned by the getClone functions are
  * allocated with ksys_memory_alloc_internal and are the caller's to free with
  * ksys_memory_free_internal; the clone of the null string is a null pointer.
  */
