@@ -13,8 +13,12 @@
  * ksys_result_outOfMemory and leaves the vector unchanged. An element
  * operation that fails part-way through a copy destroys what the call built
  * and leaves the vector unchanged, returning that operation's code.
- * Element counts are signed 64-bit; a negative count fails with
- * ksys_result_invalidSize, an index outside the vector with ksys_result_notFound.
+ * Element counts are signed 64-bit; a negative count, an element size below
+ * 1, a source vector of another element size (assign, append) or a range
+ * [first, end) that is not whole elements fails with ksys_result_invalidSize;
+ * an index outside the vector, or an element pointer that is not one of its
+ * elements (insertElement: or its end), with ksys_result_notFound. A count
+ * whose bytes no allocator could give fails with ksys_result_outOfMemory.
  *
  * A table, when given, must fill all four slots and a memory table both of its
  * slots (a precondition). A constructor that fails leaves a valid empty
