@@ -179,17 +179,17 @@ typedef kstd_result (*kstd_persistentPropertyNodeVisitor)(void* context, int32_t
  * Rebuilding a tree from sections. startNode starts a fresh node from a start
  * (0), leaf (2) or start-with-value (3) section: it copies the descriptor, the
  * flags, the id and the item count, takes the value for types 2 and 3 (unless
- * the section is a reference leaf, 0x88; taking a value sets the id to -1 and
- * adds the value's kind flags), and marks the node started (and ended for a
- * leaf). The section's own started and ended bits are not taken over: they
+ * the section is a reference leaf, 0x88; taking a value takes the value's own
+ * descriptor and item count instead, sets the id to -1 and adds the value's
+ * kind flags), and marks the node started (and ended for a leaf). The section's own started and ended bits are not taken over: they
  * describe the node the section was written from. A failing copy of the
  * descriptor or value returns its code, leaving what was set before it.
  * startAndEndLeafNode takes leaf sections only.
  * startChildNode appends a new child to a started, not ended node and starts
  * it (*child is the new node, also when starting it fails: the child then
  * stays in the list, not started); addChildLeafNode does the same with a leaf
- * section. A failing node allocation (ksys_result_outOfMemory, also at
- * kstd_persistentPropertyTree_maxNodes) changes no list. endNode ends a
+ * section. A failing node allocation (ksys_result_outOfMemory, or
+ * kstd_persistentResult_tooManyNodes at the tree's node cap) changes no list. endNode ends a
  * started node (a leaf may be ended again). isMatchingEnd is 1 for an end
  * section (1) whose name is null, empty or the node's name, else 0.
  *
@@ -276,7 +276,9 @@ VEXPERS_API kstd_result kstd_persistentPropertyNode_getMatchingChildConst(const 
  * getObjectId gives the has-id flag, the id and whether the node is a
  * reference leaf. getEnumAsInt64 /
  * getEnumBitfieldAsUInt64 read the leaf value of the child `name` (or of the
- * node itself when it has no such child) as a 64-bit integer.
+ * node itself when it has no such child) as a 64-bit integer (0 first; a null
+ * or empty name 0x800040C3; ksys_result_failure when that node is not a leaf
+ * with a value).
  * getCoreTypeOrEnumVariant finds the variant holding the node's core or enum
  * value: its own value, or its child "value" (null with success when there is
  * none and `required` is 0; else 0x800040CD for an array item, a type that is
@@ -484,8 +486,9 @@ VEXPERS_API kstd_result kstd_persistentPropertyTree_getFirstChild(kstd_persisten
 VEXPERS_API kstd_result kstd_persistentPropertyTree_getFirstChildConst(const kstd_persistentPropertyTree* tree,
                                                                        const kstd_persistentPropertyNode** node);
 /** A new top-level node appended to the tree. Nodes are blocks of the tree's
- *  allocator; at kstd_persistentPropertyTree_maxNodes live nodes the next
- *  allocation fails with ksys_result_outOfMemory and changes no list. */
+ *  allocator; at the tree's node cap (nodeAllocator.maxBlocks live nodes) the
+ *  next allocation fails with kstd_persistentResult_tooManyNodes and changes
+ *  no list. */
 VEXPERS_API kstd_result kstd_persistentPropertyTree_allocNextChild(kstd_persistentPropertyTree* tree,
                                                                    kstd_persistentPropertyNode** node);
 /** A node of the tree's allocator linked nowhere (free it with freeNodeAndChildren). */
