@@ -372,8 +372,9 @@ VEXPERS_API void ksys_typeCheckFuncPtr_kstd_persistentPropertyNodeSection(
  * Writing a section: assignNode copies a node (flags, id, item count,
  * descriptor, property) under a section type; for types 0, 2, 3 it adds
  * has-info and started. Building a section for reading: setObjectInfo sets
- * the descriptor and builds the flags from the kinds (it first looks up the
- * type of `objectInfo`; a failure leaves the section unchanged);
+ * the descriptor, id and item count and builds the flags from the kinds
+ * (nothing else is taken from `objectInfo`, but an `objectInfo` with an empty
+ * type fails with 0x80004100 and leaves the section unchanged);
  * setObjectInfoNonCoreArrayItem makes the start section of one item of an
  * array of other items; setLeafPropertyValue, setPropertyPointerNull,
  * setPropertyArrayEmpty and setPropertyArrayAndAlloc set the property from

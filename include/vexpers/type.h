@@ -425,10 +425,12 @@ VEXPERS_API kstd_result kstd_persistentType_getContainerVtableAndContainedItemTy
  * loads the entries of an object type right after the accessor returns and
  * before the enclosing object's next entry; its result is then that of the
  * part done during the call. A call for memory outside that object loads
- * everything before it returns (and so nests). There is no depth limit: the
- * work stack holds one frame per object being loaded on the current path of
- * the tree, so it is bounded by the tree's size; when memory runs out the
- * call fails with ksys_result_outOfMemory.
+ * everything before it returns (and so nests). The work stack holds one
+ * frame per object being loaded on the current path of the tree (nested calls
+ * on one thread count together): one more than
+ * kstd_persistentPropertyTree_maxDepth, or than the node cap of the node's
+ * tree, fails with kstd_persistentResult_nestingTooDeep; when memory runs out
+ * first the call fails with ksys_result_outOfMemory.
  */
 VEXPERS_API kstd_result kstd_persistentType_loadPropertyNode(const kstd_persistentType* type, void* object,
                                                              const kstd_persistentPropertyNode* node);
