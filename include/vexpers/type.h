@@ -452,9 +452,11 @@ VEXPERS_API kstd_result kstd_persistentTypeGetTypeUsingCoreTypeIdAndDerivation(i
                                                                                kstd_persistentType* type);
 /**
  * The core type a plain scalar maps to: category 2 "k_Bool", 5
- * "kstd_unicodeString" (size must be 0), 0 and 1 the k_(U)IntN of size 1, 2,
- * 4 or 8, 3 "float" (4) or "double" (8). Categories 4, 6, 7 and derivations
- * 4, 5 give 0x800040D6; another size 0x80004104; another category 0x800040CB.
+ * "kstd_unicodeString" (both with size 0), 0 and 1 the k_(U)IntN of size 1,
+ * 2, 4 or 8, 3 "float" (4) or "double" (8). Categories 4, 6, 7, a size other
+ * than 0 for categories 2 and 5, and derivations 4, 5 give 0x800040D6;
+ * another size 0x80004104; another category 0x800040CB. `type` is emptied
+ * first and stays empty on failure.
  */
 VEXPERS_API kstd_result kstd_persistentTypeGetMatchingCoreType(uint32_t category, uint32_t size, uint32_t derivation,
                                                                kstd_persistentType* type);
@@ -473,7 +475,9 @@ VEXPERS_API kstd_result kstd_persistentTypeGetAllTypes(kstd_vector_kstd_persiste
 
 /*
  * The registration functions return 0 at once when *registeredFlag is already
- * 1. Otherwise they check their tables (0x800040C0 for a missing required
+ * 1 (RegisterTypeObject's null object table and RegisterTypeObjectContainer's
+ * null object or container table give 0x800040C0 even before that check).
+ * Otherwise they check their tables (0x800040C0 for a missing required
  * table, 0x800040C1 for a missing required slot, 0x800040C6 for a null or
  * empty name), fail with 0x800040C2 when the name is registered already, make
  * the records of derivations 0 to 3 (and 4, 5 for an enum with a bit-field
