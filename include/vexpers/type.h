@@ -351,13 +351,18 @@ VEXPERS_API kstd_result kstd_persistentType_compareEqual(const kstd_persistentTy
  *   assignObjectFromVariant: copies the variant's object (category 7, same
  *     type, else 0x800040CD; null object 0x800040CC).
  *   setObjectPropertyFromVariant, getObjectPropertyUsingNameSubstr,
- *     getPersistentPropertyInfoSet: value access slots 3, 4 and 5.
+ *     getPersistentPropertyInfoSet: value access slots 3, 4 and 5 (no value
+ *     access table 0x800040C0, no slot 0x800040C1; a null object 0x800040CC;
+ *     a null or empty name, or a part [start, start + length) that is empty
+ *     or not inside `text`, 0x800040C3). The property and the set are reset
+ *     first.
  *   transferObjectPersistentProperties: empties a storing bag, then moves the
  *     object's declared properties into it (a loading bag fails with
  *     0x800040CA when it holds a property named like a loadable entry), then
  *     calls the type's transferProperties slot when set.
  *   queryInterfaceByTypename: through the type's minimal table (0x800040D4
- *     without one).
+ *     without one; a null object 0x800040CC, a null or empty name
+ *     0x800040C6); *result is null first.
  *   getContainerVtableAndContainedItemType: for an array derivation the item
  *     type (derivation 0, or 4 for 5) with contiguous stride = element size
  *     and no table; for a container type its table, item type (looked up once)
