@@ -141,7 +141,8 @@ VEXPERS_API void ksys_typeCheckFuncPtr_kstd_persistentVariant(kstd_result (*func
  *   - an object type (category 7): borrows the object, isBorrowed 1;
  *   - a core type of derivation 0: the core type's writer reads one value of
  *     its C type from `value` (for stringA ... string32 `value` is the text
- *     pointer itself); null `value` 0x800040CC; reserved core types and
+ *     pointer itself; a bool is read as its byte, any non-zero byte storing
+ *     1); null `value` 0x800040CC; reserved core types and
  *     character types 0x800040CA;
  *   - anything else (enumerations, arrays, pointers to values): 0x800040D6.
  * A type without a record fails with 0x80004100, an unregistered one with
