@@ -320,7 +320,9 @@ VEXPERS_API kstd_result kstd_persistentVariant_setValueUsingType_double_(kstd_pe
  *     or an empty part (a path ending in '.'), fails with 0x800040C3; a step
  *     whose value is not an object (category 7) with 0x800040D6, a null
  *     object with 0x800040CC, an unregistered type with 0x800040C8; a name
- *     that the object's type does not declare with 0x800040C9.
+ *     that the object's type does not declare with 0x800040C9. The property
+ *     of every step is kept until the lookup ends (a path of more than three
+ *     parts allocates room for them: ksys_result_outOfMemory).
  */
 VEXPERS_API kstd_result kstd_persistentVariant_setValueUsingTypePointerNull(kstd_persistentVariant* variant,
                                                                             const kstd_persistentType* type);
