@@ -132,7 +132,8 @@ VEXPERS_API kstd_result kstd_ptrh_assignShared(kstd_ptrh* pointer, kstd_shared* 
 VEXPERS_API kstd_result kstd_ptrh_getWholeShared(const kstd_ptrh* pointer, void** whole);
 /** The held shared object (no reference is added). */
 VEXPERS_API kstd_result kstd_ptrh_getShared(const kstd_ptrh* pointer, kstd_shared** shared);
-/** The type name of the held object, or the base type name when empty. */
+/** The type name of the held object, or the base type name when the pointer
+ *  is empty or the object gives no type name (an untyped shared object). */
 VEXPERS_API kstd_result kstd_ptrh_getTypename(const kstd_ptrh* pointer, const char16_t** name);
 /** Drops the reference; the base type name is kept. */
 VEXPERS_API kstd_result kstd_ptrh_reset(kstd_ptrh* pointer);
