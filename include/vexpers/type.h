@@ -311,7 +311,9 @@ VEXPERS_API kstd_result kstd_persistentType_assignDifferentDerivation(kstd_persi
  * interned text, valid while the record lives.
  * getIsCoreTypeOrEnum: 1 for a core type of derivation 0, or an enum of
  * derivation 0 or 4. getIsObjectShareable: 1 when the type is always
- * shareable, or when `object` answers the interface query for "kstd_shared".
+ * shareable, or when `object` answers the interface query for "kstd_shared"
+ * through the type's minimal table (a null object, or a type without that
+ * table, gives 0; a failing query is returned).
  * compare orders by name (null first, then by UTF-16 units) and then by
  * derivation: -1, 0 or +1; compareEqual is 1 exactly when compare gives 0.
  */
