@@ -603,6 +603,12 @@ VEXPERS_API kstd_result kstd_persistentTypeRegisterTypeCoreType_string32(void);
  * GetType_T assigns T's global descriptor to `type`, registering T first when
  * registerIfNeeded is not 0 (a failure of that is returned with `type`
  * unchanged; with 0 on an unregistered T the descriptor is empty).
+ * Each declares one property: "ptr" (the pointee, pointer derivation) for
+ * the shared pointers, "items" (an array of the item type) for the vectors.
+ * Their value access answers from that declaration: setting a property of
+ * the object (slot 3) fails with 0x800040CA, a lookup by name (slot 4) finds
+ * the declared property or fails with 0x800040C9, and the info set (slot 5)
+ * holds its descriptor.
  */
 VEXPERS_API kstd_result kstd_persistentTypeRegisterType_kstd_ptrh(void);
 VEXPERS_API kstd_result kstd_persistentTypeRegisterTypeObject_kstd_ptrh(void);
