@@ -181,17 +181,19 @@ typedef kstd_result (*kstd_persistentPropertyNodeVisitor)(void* context, int32_t
  * flags, the id and the item count, takes the value for types 2 and 3 (unless
  * the section is a reference leaf, 0x88; taking a value takes the value's own
  * descriptor and item count instead, sets the id to -1 and adds the value's
- * kind flags), and marks the node started (and ended for a leaf). The section's own started and ended bits are not taken over: they
- * describe the node the section was written from. A failing copy of the
- * descriptor or value returns its code, leaving what was set before it.
+ * kind flags), and marks the node started (and ended for a leaf). The
+ * section's own started and ended bits are not taken over: they describe
+ * the node the section was written from. A failing copy of the descriptor
+ * or value returns its code, leaving what was set before it.
  * startAndEndLeafNode takes leaf sections only.
  * startChildNode appends a new child to a started, not ended node and starts
  * it (*child is the new node, also when starting it fails: the child then
  * stays in the list, not started); addChildLeafNode does the same with a leaf
  * section. A failing node allocation (ksys_result_outOfMemory, or
- * kstd_persistentResult_tooManyNodes at the tree's node cap) changes no list. endNode ends a
- * started node (a leaf may be ended again). isMatchingEnd is 1 for an end
- * section (1) whose name is null, empty or the node's name, else 0.
+ * kstd_persistentResult_tooManyNodes at the tree's node cap) changes no
+ * list. endNode ends a started node (a leaf may be ended again).
+ * isMatchingEnd is 1 for an end section (1) whose name is null, empty or the
+ * node's name, else 0.
  *
  * Sections come from files, so everything in them gives a code, never a
  * precondition fault. Protocol violations fail with ksys_result_failure and
