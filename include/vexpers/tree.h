@@ -188,8 +188,8 @@ typedef kstd_result (*kstd_persistentPropertyNodeVisitor)(void* context, int32_t
  * startChildNode appends a new child to a started, not ended node and starts
  * it (*child is the new node, also when starting it fails: the child then
  * stays in the list, not started); addChildLeafNode does the same with a leaf
- * section. A failing node allocation (ksys_result_outOfMemory, also at
- * kstd_persistentPropertyTree_maxNodes) changes no list. endNode ends a
+ * section. A failing node allocation (ksys_result_outOfMemory, or
+ * kstd_persistentResult_tooManyNodes at the tree's node cap) changes no list. endNode ends a
  * started node (a leaf may be ended again). isMatchingEnd is 1 for an end
  * section (1) whose name is null, empty or the node's name, else 0.
  *
@@ -484,8 +484,8 @@ VEXPERS_API kstd_result kstd_persistentPropertyTree_getFirstChild(kstd_persisten
 VEXPERS_API kstd_result kstd_persistentPropertyTree_getFirstChildConst(const kstd_persistentPropertyTree* tree,
                                                                        const kstd_persistentPropertyNode** node);
 /** A new top-level node appended to the tree. Nodes are blocks of the tree's
- *  allocator; at kstd_persistentPropertyTree_maxNodes live nodes the next
- *  allocation fails with ksys_result_outOfMemory and changes no list. */
+ *  allocator; at the tree's node cap the next allocation fails with
+ *  kstd_persistentResult_tooManyNodes and changes no list. */
 VEXPERS_API kstd_result kstd_persistentPropertyTree_allocNextChild(kstd_persistentPropertyTree* tree,
                                                                    kstd_persistentPropertyNode** node);
 /** A node of the tree's allocator linked nowhere (free it with freeNodeAndChildren). */
