@@ -499,10 +499,6 @@ kstd_result loadVectorItems(void*, void* container, void* table, const kstd_pers
     VEXPERS_TRY(kstd_persistentType_getCoreTypeId(entryType, &coreTypeId));
     if (coreTypeId < 0) return kstd_persistentResult_invalidCoreTypeId;
     if ((node->flags & flagHasValue) == 0) return ksys_result_failure;
-    uint32_t derivation = 0;
-    if (failed(kstd_persistentType_getTypeDerivation(&node->leafProperty.value.type, &derivation)) ||
-        (derivation != kstd_persistentTypeDerivation_array && derivation != kstd_persistentTypeDerivation_bitfieldArray))
-        return kstd_persistentResult_typeMismatch;
 
     kstd_persistentType itemType;
     VEXPERS_TRY(kstd_persistentType_construct(&itemType));

@@ -23,8 +23,9 @@ kstd_result loadSharedPointerConst(void* object, const kstd_persistentType* entr
 // `table`) with the items of the node's array, read through the node's
 // container description, so that arrays living in containers (a decomposed
 // tree) and arrays allocated from sections load alike. The entry type must
-// be a core array type (0x800040C5), the node must hold an array (0x800040CD)
-// whose items are of that core type (0x800040CD); a negative count fails with
+// be a core array type (0x800040C5), the node must hold an array (else the
+// container description's 0x800040D6) whose items are of that core type
+// (0x800040CD); a negative count fails with
 // 0x800040D7, missing items with 0x800040D8, a null table with 0x800040C0 and
 // a table without assignElements with 0x800040C1.
 // The direct load accessor of a shared-pointer type's entry "ptr".

@@ -182,10 +182,11 @@ VEXPERS_EXPORT kstd_result kstd_persistentPropertyNodeSection_setPropertyArrayAn
     if (elementSize != nullptr) *elementSize = 0;
     VEXPERS_REQUIRE(section != nullptr);
     if (count < 0) return kstd_persistentResult_invalidCount;
-    // A count read from a file allocates at most the documented cap.
+    // A count read from a file allocates at most the documented cap. A type
+    // without a size cannot allocate: the property reports why.
     uint32_t size = 0;
-    VEXPERS_TRY(kstd_persistentType_getElementSize(&section->info.type, &size));
-    if (int64_t{count} * size > kstd_persistentPropertyNodeSection_maxArrayBytes)
+    if (kstd_persistentType_getElementSize(&section->info.type, &size) >= 0 &&
+        int64_t{count} * size > kstd_persistentPropertyNodeSection_maxArrayBytes)
         return kstd_persistentResult_arraySizeOverflow;
     VEXPERS_TRY(kstd_persistentProperty_resetInfoAndValueArrayAndAlloc(&section->property, &section->info, count,
                                                                        first, elementSize));

@@ -230,7 +230,7 @@ TEST(FormatsCompose, UntrustedTreesFailWithCodesAndLeakNothing) {
                 R"({"name":"items","type":"k_Int16","derivation":2,"kind":"array","count":2,"items":[1,2]})"),
          kstd_persistentResult_typeMismatch},
         {"a single value where items belong", object("v32s", "kstd_vector32s", value("items", "k_Int32", 4)),
-         kstd_persistentResult_typeMismatch},
+         kstd_persistentResult_wrongTypeKind},
         {"a core value where a pointer belongs", next(value("ptr", "k_Int32", 1)), kstd_persistentResult_typeMismatch},
         {"an id defined twice",
          next(object("ptr", "RtNode", i32, 0)) + "," + object("other", "kstd_ptrh", object("ptr", "RtNode", i32, 0)),

@@ -145,6 +145,11 @@ TEST_F(NodeProtocolTest, SectionsNoWriterMakesGiveCodesNotFaults) {
     int64_t id = 9;
     EXPECT_EQ(kstd_persistentPropertyNodeSection_getObjectInfoNonCoreArrayItem_(section, &hasId, &id),
               ksys_result_failure);
+    // An array for a descriptor that names no known array type is refused
+    // as a variant refuses it, whatever the size check could not learn.
+    ASSERT_EQ(kstd_persistentPropertyInfo_resetNameTypeNameDerivationAccess(&section->info, u"x", u"x", 2, 2), 0);
+    EXPECT_EQ(kstd_persistentPropertyNodeSection_setPropertyArrayAndAlloc(section, 3, nullptr, nullptr),
+              kstd_persistentResult_wrongTypeKind);
     EXPECT_EQ(faults.count(), 0);
 }
 
