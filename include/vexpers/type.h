@@ -417,10 +417,12 @@ VEXPERS_API kstd_result kstd_persistentType_getContainerVtableAndContainedItemTy
  * resolve; a type that answers no "kstd_shared" interface fails with
  * 0x800040CD and the created object is deleted), or is a null-pointer leaf
  * (the pointer is reset), or references an id recorded before (0x800040DE
- * when none is; 0x80001E7F for an id defined twice); a vector's child
- * "items" must hold an array of the vector's item type (0x800040CD
- * otherwise), read through the node's container description, so arrays in
- * containers and arrays rebuilt from sections load alike.
+ * when none is; 0x80001E7F for an id defined twice); any other leaf fails
+ * with 0x800040CD. A vector's child "items" must hold an array of the
+ * vector's item type (an array of another item type: 0x800040CD; a value
+ * that is not an array: 0x800040D6; no value: ksys_result_failure), read
+ * through the node's container description, so arrays in containers and
+ * arrays rebuilt from sections load alike.
  * The first failure ends composing and is returned: members loaded before it
  * keep their new values, the others their old ones; objects recorded in the
  * tree stay recorded; nothing else created is kept.
